@@ -1,0 +1,297 @@
+#include "fileio/wav_file.h"
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <limits>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "core/platform.h"
+#include "fileio/safe_file_writer.h"
+
+namespace orv {
+
+namespace {
+
+constexpr const char* kUnit = "wavfile";
+
+// Samples move through a buffer this large (whole frames of every layout). Bigger than a
+// disk block by far, so each system call moves a lot; small against any long sound, so
+// reading costs little more memory than the samples themselves.
+constexpr std::size_t kBlockBytes = std::size_t(1) << 20;
+
+constexpr bool kLittleHost = std::endian::native == std::endian::little;
+
+// A file opened for sequential reading. Reads stop quietly at the end of the file (or at
+// a read error); a header field that the file cannot supply reads as zeros.
+class InputFile {
+public:
+    explicit InputFile(const std::string& name) {
+        fd_ = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+        if (fd_ < 0) return;
+        struct stat st;
+        if (::fstat(fd_, &st) != 0 || S_ISDIR(st.st_mode)) {
+            ::close(fd_);
+            fd_ = -1;
+            return;
+        }
+        (void)::posix_fadvise(fd_, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    ~InputFile() {
+        if (fd_ >= 0) ::close(fd_);
+    }
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    bool isOpen() const { return fd_ >= 0; }
+
+    // Up to `bytes` bytes; fewer only at the end of the file.
+    std::size_t read(void* data, std::size_t bytes) {
+        auto* p = static_cast<char*>(data);
+        std::size_t got = 0;
+        while (got < bytes && !atEnd_) {
+            const std::size_t step = std::min(bytes - got, std::size_t(1) << 30);
+            const ssize_t n = ::read(fd_, p + got, step);
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) {
+                atEnd_ = true;
+                break;
+            }
+            got += std::size_t(n);
+        }
+        return got;
+    }
+
+    void field(std::uint8_t* data, std::size_t bytes) {
+        const std::size_t got = read(data, bytes);
+        std::memset(data + got, 0, bytes - got);
+    }
+    std::uint32_t u32() {
+        std::uint8_t b[4];
+        field(b, 4);
+        return getLE32(b);
+    }
+    std::uint16_t u16() {
+        std::uint8_t b[2];
+        field(b, 2);
+        return getLE16(b);
+    }
+    bool tag(const char* expected, std::size_t bytes) {
+        std::uint8_t b[8];
+        field(b, bytes);
+        return std::memcmp(b, expected, bytes) == 0;
+    }
+
+    void skip(std::uint32_t bytes) {
+        if (bytes == 0 || atEnd_) return;
+        if (::lseek(fd_, off_t(bytes), SEEK_CUR) >= 0) return;
+        std::vector<char> sink(std::min<std::size_t>(bytes, 65536));
+        while (bytes > 0 && !atEnd_) {
+            const std::size_t got = read(sink.data(), std::min<std::size_t>(bytes, sink.size()));
+            bytes -= std::uint32_t(got);
+        }
+    }
+
+private:
+    int fd_ = -1;
+    bool atEnd_ = false;
+};
+
+void noMemory() { showMessage(kMemoryCaption, kMemoryMessage); }
+
+// Fills left (and right) with n samples per channel from the data chunk.
+void readSamples(InputFile& file, int channels, int bytesPSample, WaveVal* left,
+                 WaveVal* right, std::int32_t n) {
+    const std::size_t sampleBytes = bytesPSample == 1 ? 1 : 2;
+
+    if (channels == 1 && sampleBytes == 2) {
+        // Straight into the wave.
+        const std::size_t got = file.read(left, std::size_t(n) * 2);
+        const std::int32_t full = std::int32_t(got / 2);
+        if constexpr (!kLittleHost) {
+            std::vector<std::uint8_t> copy(reinterpret_cast<std::uint8_t*>(left),
+                                           reinterpret_cast<std::uint8_t*>(left) + got);
+            decodeMono16(copy.data(), left, full);
+        }
+        std::fill(left + full, left + n, WaveVal(0));
+        return;
+    }
+
+    const std::size_t frameBytes = sampleBytes * std::size_t(channels);
+    const std::size_t blockFrames =
+        std::min<std::size_t>(kBlockBytes / frameBytes, std::size_t(n));
+    std::vector<std::uint8_t> block(blockFrames * frameBytes);
+    std::int32_t pos = 0;
+    while (pos < n) {
+        const std::int32_t want = std::int32_t(std::min<std::size_t>(blockFrames, n - pos));
+        const std::size_t got = file.read(block.data(), std::size_t(want) * frameBytes);
+        const std::int32_t frames = std::int32_t(got / frameBytes);
+        if (channels == 1) {
+            decodeMono8(block.data(), left + pos, frames);
+        } else if (sampleBytes == 1) {
+            decodeStereo8(block.data(), left + pos, right + pos, frames);
+        } else {
+            decodeStereo16(block.data(), left + pos, right + pos, frames);
+        }
+        pos += frames;
+        if (frames == want) continue;
+        // The file ended. A left sample that is there completely still counts; whatever
+        // the file cannot supply is silence.
+        if (channels == 2 && got % frameBytes >= sampleBytes) {
+            const std::uint8_t* s = block.data() + std::size_t(frames) * frameBytes;
+            left[pos] = sampleBytes == 1 ? decode8(s[0]) : WaveVal(getLE16(s));
+            right[pos] = 0;
+            ++pos;
+        }
+        std::fill(left + pos, left + n, WaveVal(0));
+        if (right) std::fill(right + pos, right + n, WaveVal(0));
+        return;
+    }
+}
+
+}  // namespace
+
+bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const char*& message) {
+    message = kWavNoErrors;
+    InputFile file(fileName);
+    if (!file.isOpen()) {
+        message = kWavCannotOpen;
+        return false;
+    }
+    if (!file.tag("RIFF", 4)) {
+        message = kWavNoRiff;
+        return false;
+    }
+    (void)file.u32();  // the RIFF size: never trusted
+    if (!file.tag("WAVEfmt ", 8)) {
+        message = kWavNoWaveFmt;
+        return false;
+    }
+    const auto formatSize = std::int32_t(file.u32());
+    if (formatSize < 16) {
+        message = kWavChunkTooSmall;
+        return false;
+    }
+    if (file.u16() != 1) {
+        message = kWavNotPcm;
+        return false;
+    }
+    const auto channels = std::int16_t(file.u16());
+    if (channels != 1 && channels != 2) {
+        message = kWavBadChannels;
+        return false;
+    }
+    const auto freq = std::int32_t(file.u32());
+    (void)file.u32();  // bytes per second
+    (void)file.u16();  // block align
+    const int bytesPSample = bytesPerSampleFromBits(file.u16());
+    file.skip(std::uint32_t(formatSize - 16));  // the extension of a longer format chunk
+
+    std::uint8_t id[4];
+    file.field(id, 4);
+    if (std::memcmp(id, "fact", 4) == 0) {
+        // Taken to hold exactly its 4-byte value; its size is not used to skip.
+        (void)file.u32();
+        (void)file.u32();
+        file.field(id, 4);
+    }
+    if (std::memcmp(id, "data", 4) != 0) return false;  // message stays "No errors occurred."
+
+    const auto dataSize = std::int32_t(file.u32());
+    const std::int32_t n = samplesPerChannel(dataSize, channels, bytesPSample);
+
+    WaveFileChannels result;
+    result.freq = freq;
+    result.monoStereo = channels;
+    result.bytesPSample = bytesPSample;
+    if (n < 0) {
+        // A size past 2 GB reads as negative: no storage can be made for it.
+        noMemory();
+        return false;
+    }
+    if (n == 0) {
+        result.left = std::make_unique<Wave>();
+        if (channels == 2) result.right = std::make_unique<Wave>();
+        out = std::move(result);
+        return true;
+    }
+
+    WaveVal* left = allocateSamples(n);
+    if (!left) {
+        noMemory();
+        return false;
+    }
+    WaveVal* right = nullptr;
+    if (channels == 2) {
+        right = allocateSamples(n);
+        if (!right) {
+            freeSamples(left);
+            noMemory();
+            return false;
+        }
+    }
+    result.left = std::make_unique<Wave>(left, n);
+    if (right) result.right = std::make_unique<Wave>(right, n);
+    readSamples(file, channels, bytesPSample, left, right, n);
+    out = std::move(result);
+    return true;
+}
+
+bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave* right,
+                       std::int32_t freq, int bytesPSample, std::int32_t begin,
+                       std::int32_t end, bool temporary) {
+    if (!left) return false;
+    ORV_ASSERT(begin >= 0, kUnit);
+    ORV_ASSERT(begin <= end, kUnit);
+    ORV_ASSERT(end <= left->getValues(), kUnit);
+    ORV_ASSERT_TEXT(!right || right->getValues() == left->getValues(),
+                    "waveLeft->getValues() == waveRight->getValues()", kUnit);
+    // Only these two widths can be written; anything else would give a file whose header
+    // and samples disagree.
+    if (bytesPSample != 1 && bytesPSample != 2) return false;
+
+    const int channels = right ? 2 : 1;
+    const std::int32_t count = end - begin;
+    const std::uint64_t dataSize = std::uint64_t(channels) * std::uint64_t(count) * bytesPSample;
+    if (dataSize > std::numeric_limits<std::uint32_t>::max() - 32u) return false;
+
+    SafeFileWriter file;
+    if (!file.open(fileName)) return false;
+    const WavHeader header = makeWavHeader(std::uint16_t(channels), freq,
+                                           std::uint16_t(bytesPSample), std::uint32_t(dataSize));
+    if (!file.write(header.data(), header.size())) return false;
+
+    const WaveVal* l = left->data() + begin;
+    const WaveVal* r = right ? right->data() + begin : nullptr;
+    if (channels == 1 && bytesPSample == 2 && kLittleHost) {
+        // Straight from the wave.
+        if (count > 0 && !file.write(l, std::size_t(count) * 2)) return false;
+    } else {
+        const std::size_t frameBytes = std::size_t(channels) * bytesPSample;
+        const std::size_t blockFrames =
+            std::min<std::size_t>(kBlockBytes / frameBytes, std::size_t(count));
+        std::vector<std::uint8_t> block(blockFrames * frameBytes);
+        for (std::int32_t pos = 0; pos < count;) {
+            const std::int32_t m = std::int32_t(std::min<std::size_t>(blockFrames, count - pos));
+            if (channels == 1) {
+                if (bytesPSample == 1)
+                    encodeMono8(l + pos, block.data(), m);
+                else
+                    encodeMono16(l + pos, block.data(), m);
+            } else if (bytesPSample == 1) {
+                encodeStereo8(l + pos, r + pos, block.data(), m);
+            } else {
+                encodeStereo16(l + pos, r + pos, block.data(), m);
+            }
+            if (!file.write(block.data(), std::size_t(m) * frameBytes)) return false;
+            pos += m;
+        }
+    }
+    return file.commit(!temporary);
+}
+
+}  // namespace orv

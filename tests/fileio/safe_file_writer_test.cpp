@@ -1,0 +1,195 @@
+// A failed save never damages the file that was there: disk full, a failing flush, close
+// or rename, a folder that takes no new files. A good save keeps permissions and links.
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fileio/safe_file_writer.h"
+#include "fileio/wav_file.h"
+
+namespace orv {
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
+
+// Fault injection: the disk is "full" after `budget` bytes; flush, close or rename fail
+// on request. Counts the flushes.
+struct Faults {
+    static inline long budget = -1;  // -1: unlimited
+    static inline bool failFsync = false, failClose = false, failRename = false;
+    static inline int fsyncs = 0;
+
+    static ssize_t write(int fd, const void* data, std::size_t bytes) {
+        if (budget >= 0) {
+            if (budget == 0) {
+                errno = ENOSPC;
+                return -1;
+            }
+            if (long(bytes) > budget) bytes = std::size_t(budget);  // a short write first
+            budget -= long(bytes);
+        }
+        return ::write(fd, data, bytes);
+    }
+    static int fsync(int fd) {
+        ++fsyncs;
+        if (failFsync) {
+            errno = EIO;
+            return -1;
+        }
+        return ::fsync(fd);
+    }
+    static int close(int fd) {
+        ::close(fd);
+        if (failClose) {
+            errno = EIO;
+            return -1;
+        }
+        return 0;
+    }
+    static int rename(const char* from, const char* to) {
+        if (failRename) {
+            errno = EXDEV;
+            return -1;
+        }
+        return ::rename(from, to);
+    }
+};
+
+class SafeSave : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char tmpl[] = "/tmp/orv-safesave-XXXXXX";
+        ASSERT_NE(::mkdtemp(tmpl), nullptr);
+        dir = tmpl;
+        path = dir + "/song.wav";
+        Faults::budget = -1;
+        Faults::failFsync = Faults::failClose = Faults::failRename = false;
+        Faults::fsyncs = 0;
+        previous = setFileOps(FileOps{Faults::write, Faults::fsync, Faults::close,
+                                      Faults::rename});
+
+        // The file a failed save must leave alone.
+        old.assign(1000, 0);
+        for (std::size_t i = 0; i < old.size(); ++i) old[i] = std::uint8_t(i * 13);
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(old.data()), std::streamsize(old.size()));
+
+        WaveVal* s = allocateSamples(5000);
+        for (int i = 0; i < 5000; ++i) s[i] = WaveVal(i);
+        wave = std::make_unique<Wave>(s, 5000);
+    }
+    void TearDown() override {
+        setFileOps(previous);
+        ::chmod(dir.c_str(), 0700);
+        fs::remove_all(dir);
+    }
+
+    Bytes bytesOf(const std::string& p) const {
+        std::ifstream in(p, std::ios::binary);
+        return Bytes(std::istreambuf_iterator<char>(in), {});
+    }
+    bool save() { return writeWaveChannels(path, wave.get(), wave.get(), 44100, 2, 0, 5000, false); }
+    // Nothing but the old file remains: no temporary left behind.
+    void expectOldFileAlone() {
+        EXPECT_EQ(bytesOf(path), old);
+        std::vector<std::string> names;
+        for (const auto& e : fs::directory_iterator(dir)) names.push_back(e.path().filename());
+        EXPECT_EQ(names, std::vector<std::string>{"song.wav"});
+    }
+
+    std::string dir, path;
+    Bytes old;
+    WavePtr wave;
+    FileOps previous{};
+};
+
+TEST_F(SafeSave, DiskFullAtAnyPointLeavesTheOldFile) {
+    // In the header, just after it, and in the middle of the samples.
+    for (long budget : {0L, 10L, 44L, 45L, 20000L, 20043L}) {
+        SCOPED_TRACE(budget);
+        Faults::budget = budget;
+        EXPECT_FALSE(save());
+        expectOldFileAlone();
+    }
+    Faults::budget = 44 + 20000;  // exactly enough
+    EXPECT_TRUE(save());
+    EXPECT_EQ(fs::file_size(path), 20044u);
+}
+
+TEST_F(SafeSave, FailingFlushCloseOrRenameLeavesTheOldFile) {
+    Faults::failFsync = true;
+    EXPECT_FALSE(save());
+    expectOldFileAlone();
+    Faults::failFsync = false;
+    Faults::failClose = true;
+    EXPECT_FALSE(save());
+    expectOldFileAlone();
+    Faults::failClose = false;
+    Faults::failRename = true;
+    EXPECT_FALSE(save());
+    expectOldFileAlone();
+}
+
+TEST_F(SafeSave, ReadOnlyFolderRefusesTheSave) {
+    ASSERT_EQ(::chmod(dir.c_str(), 0555), 0);
+    // Run as an unprivileged user in a child process: the super-user writes anywhere.
+    EXPECT_EXIT(
+        {
+            if (::geteuid() == 0 && ::setuid(65534) != 0) std::_Exit(3);
+            std::_Exit(save() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    ::chmod(dir.c_str(), 0700);
+    expectOldFileAlone();
+}
+
+TEST_F(SafeSave, MissingFolderRefusesTheSave) {
+    EXPECT_FALSE(writeWaveChannels(dir + "/no/such/x.wav", wave.get(), nullptr, 8000, 2, 0, 1,
+                                   false));
+    EXPECT_FALSE(writeWaveChannels(dir + "/", wave.get(), nullptr, 8000, 2, 0, 1, false));
+    expectOldFileAlone();
+}
+
+TEST_F(SafeSave, GoodSaveReplacesKeepsModeAndFollowsLinks) {
+    ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+    const std::string link = dir + "/link.wav";
+    fs::create_symlink("song.wav", link);
+    ASSERT_TRUE(writeWaveChannels(link, wave.get(), nullptr, 8000, 1, 0, 10, false));
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(fs::file_size(path), 54u);
+    struct stat st;
+    ASSERT_EQ(::stat(path.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0640u);
+    EXPECT_EQ(Faults::fsyncs, 1);
+
+    // The play and record files are thrown away soon: no flush for them.
+    ASSERT_TRUE(writeWaveChannels(path, wave.get(), nullptr, 8000, 1, 0, 10, true));
+    EXPECT_EQ(Faults::fsyncs, 1);
+}
+
+TEST_F(SafeSave, WriterStaysFailedAfterAWriteFails) {
+    SafeFileWriter w;
+    ASSERT_TRUE(w.open(path));
+    const std::string temp = w.temporaryPath();
+    EXPECT_TRUE(fs::exists(temp));
+    Faults::budget = 3;
+    EXPECT_FALSE(w.write("abcdef", 6));
+    Faults::budget = -1;
+    EXPECT_FALSE(w.write("x", 1));
+    EXPECT_FALSE(w.commit());
+    EXPECT_FALSE(fs::exists(temp));
+    expectOldFileAlone();
+}
+
+}  // namespace
+}  // namespace orv

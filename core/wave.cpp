@@ -118,11 +118,13 @@ void Wave::copyFrom(CancelFlag& cancel, const Wave* from, std::int32_t begin, st
     checkWave(end >= begin, "end >= begin");
     checkWave(std::int64_t(to) + end - begin <= values, "to + end - begin <= values");
     checkWave(to >= 0, "to >= 0");
-    WaveVal* dst = wave + to - begin;
-    const WaveVal* src = from->wave;
+    if (begin == end) return;  // an empty wave has no storage to point into
+    WaveVal* const dst = wave + to;
+    const WaveVal* const src = from->wave + begin;
     forEachChunk(cancel, begin, end, [&](std::int32_t pos, std::int32_t stop) {
         // memmove: a wave may copy within itself.
-        std::memmove(dst + pos, src + pos, std::size_t(stop - pos) * sizeof(WaveVal));
+        std::memmove(dst + (pos - begin), src + (pos - begin),
+                     std::size_t(stop - pos) * sizeof(WaveVal));
     });
 }
 
@@ -133,12 +135,13 @@ void Wave::addFrom(CancelFlag& cancel, const Wave* from, std::int32_t begin, std
     checkWave(end >= begin, "end >= begin");
     checkWave(std::int64_t(to) + end - begin <= values, "to + end - begin <= values");
     checkWave(to >= 0, "to >= 0");
-    WaveVal* dst = wave + to - begin;
-    const WaveVal* src = from->wave;
+    if (begin == end) return;
+    WaveVal* const dst = wave + to;
+    const WaveVal* const src = from->wave + begin;
     forEachChunk(cancel, begin, end, [&](std::int32_t pos, std::int32_t stop) {
-        WaveVal* d = dst + pos;
-        const WaveVal* s = src + pos;
-        const WaveVal* const e = src + stop;
+        WaveVal* d = dst + (pos - begin);
+        const WaveVal* s = src + (pos - begin);
+        const WaveVal* const e = src + (stop - begin);
         while (s < e) {
             *d = addWrap(*d, *s);
             ++d;

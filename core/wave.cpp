@@ -58,8 +58,7 @@ Wave::Wave(CancelFlag& cancel, const Wave& other) {
     if (other.values < 1) return;
     wave = allocateSamples(other.values);
     if (wave == nullptr) {
-        // Said the same way as a sized wave would; the caller sees the flag.
-        showMessage(kSystemError, kNoMemory, MessageIcon::Information);
+        // Only the flag: the caller that asked for the copy gives up on seeing it.
         setCancelled(cancel);
         return;
     }
@@ -364,7 +363,8 @@ WavePtr Wave::mixEndingAt(CancelFlag& cancel, const Wave* other, std::int32_t po
 
 double sample(const Wave& w, double x) {
     const std::int32_t n = w.getValues();
-    std::int32_t i = truncToInt(x);
+    if (n == 0) return 0;
+    const std::int32_t i = truncToInt(x);
     // Callers stay inside 0 .. n-1; accumulated steps may overshoot by a rounding error,
     // so the ends are held rather than read past.
     if (i < 0) return w[0];

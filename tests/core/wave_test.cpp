@@ -175,9 +175,11 @@ TEST(WaveMemory, OperationsGiveNoWaveWhenStorageFails) {
     test::RecordingPlatformScope rec;
     AllocatorScope fail(failingAllocator);
     {
+        // A failed copy only sets the flag; it shows nothing.
         CancelFlag c{0};
         EXPECT_EQ(copyWave(c, src.get()), nullptr);
         EXPECT_TRUE(isCancelled(c));
+        EXPECT_TRUE(rec.recorder.messages.empty());
     }
     {
         CancelFlag c{0};
@@ -190,7 +192,7 @@ TEST(WaveMemory, OperationsGiveNoWaveWhenStorageFails) {
         EXPECT_EQ(src->makeLine(c, 1, 2, 5, 1, end), nullptr);
         EXPECT_TRUE(isCancelled(c));
     }
-    ASSERT_EQ(rec.recorder.messages.size(), 3u);
+    ASSERT_EQ(rec.recorder.messages.size(), 2u);
     for (const auto& m : rec.recorder.messages) {
         EXPECT_EQ(m.caption, "System Error");
         EXPECT_EQ(m.text, kNoMemory);
@@ -289,6 +291,32 @@ TEST(WaveChunks, CancelStopsLaterStepsAndInPlaceWork) {
         hook.log.cancelAtPos = 0;
         EXPECT_EQ(src->maxAbs(c, 0, 3000), 0);  // a cancelled search finds nothing
     }
+}
+
+TEST(WaveChunks, GeneratorsChunkFromBeginAndStopOnCancel) {
+    Wave empty;
+    CancelFlag c{0};
+    std::int32_t end = 0;
+    {
+        ChunkHookScope hook;
+        WavePtr w = empty.makeLine(c, 0, 2499, 2500, 0, end);
+        EXPECT_EQ(hook.log.chunks, (Chunks{{0, 1000}, {1000, 2000}, {2000, 2500}}));
+        for (int i : {0, 999, 1000, 1001, 1999, 2000, 2499}) EXPECT_EQ((*w)[i], i);
+    }
+    WavePtr base = makeWave({7, 8, 9, 10});
+    AllocatorScope pattern(patternAllocator);
+    ChunkHookScope hook;
+    hook.log.cancel = &c;
+    hook.log.cancelAtPos = 1001;  // head is [0, 1): the generated stretch starts at 1
+    end = 1;
+    WavePtr w = base->makeLine(c, 0, 2999, 3000, 1, end);
+    ASSERT_NE(w, nullptr);
+    EXPECT_TRUE(isCancelled(c));
+    ASSERT_EQ(w->getValues(), 3004);
+    EXPECT_EQ((*w)[0], 7);
+    EXPECT_EQ((*w)[2000], 1999);
+    EXPECT_EQ((*w)[2001], kPattern);
+    EXPECT_EQ((*w)[3003], kPattern);  // tail not copied either
 }
 
 // ---- in-place primitives ----

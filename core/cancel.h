@@ -29,6 +29,10 @@ void setChunkHook(ChunkHook hook, void* context);
 void callChunkHook(std::int32_t pos, std::int32_t chunkEnd);
 extern ChunkHook chunkHook;
 
+// Samples walked by all chunked loops so far; a front end samples it from another thread to
+// show that long work is moving. Only ever increased, once per chunk.
+inline std::atomic<std::int64_t> samplesWalked{0};
+
 // Runs body(pos, chunkEnd) over [pos, end) in chunks; returns false when the flag stopped it.
 template <class Body>
 bool forEachChunk(const CancelFlag& cancel, std::int32_t pos, std::int32_t end, Body&& body) {
@@ -37,6 +41,7 @@ bool forEachChunk(const CancelFlag& cancel, std::int32_t pos, std::int32_t end, 
         const std::int32_t stop = chunkEnd(pos, end);
         if (chunkHook) callChunkHook(pos, stop);
         body(pos, stop);
+        samplesWalked.fetch_add(stop - pos, std::memory_order_relaxed);
         pos = stop;
     }
     return true;

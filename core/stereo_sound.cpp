@@ -114,7 +114,8 @@ Wave* StereoSound::GetMiddleWaveAtFreq(CancelFlag* cancel, std::int32_t freq,
 
 long double StereoSound::GetValueAt(CancelFlag* cancel, double fraction) const {
     bool isNew = false;
-    FetchedWave mono(GetMonoWave(cancel, isNew), isNew);
+    Wave* w = GetMonoWave(cancel, isNew);
+    FetchedWave mono(w, isNew);
     if (!mono.get()) return 0.0L;
     return valueAt(*mono.get(), fraction);
 }

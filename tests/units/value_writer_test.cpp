@@ -135,21 +135,5 @@ TEST(WriteWaveValue, EachUnitWithItsRounding) {
     }
 }
 
-TEST(WriteField, PicksTheWriterOfTheKind) {
-    EXPECT_EQ(writeField(ValueKind::Integer, {kUnitNone, 0, -12}, 3, true), "-12");
-    EXPECT_EQ(writeField(ValueKind::Integer, {kUnitNone, 0, 1000}, 1, false), "1000");
-    EXPECT_EQ(writeField(ValueKind::WaveValue, {kUnitPercent, 0, 16383}, 3, false), "50 %");
-    EXPECT_EQ(writeField(ValueKind::Factor, {kUnitPercent, 0, 0.5}, 3, true), "50 %");
-    EXPECT_EQ(writeField(ValueKind::Loudness, {kUnitDecibel, 0, 0.1}, 3, true), "-20 dB");
-    EXPECT_EQ(writeField(ValueKind::Phase, {kUnitDegree, 0, 0.75}, 3, true), "-90 '");
-    // The reader gives every angle code 8; a balance angle is written with 90 to the unit.
-    EXPECT_EQ(writeField(ValueKind::Balance, {kUnitDegree, 0, 0.5}, 3, true), "45 '");
-    EXPECT_EQ(writeField(ValueKind::Balance, {kUnitPercent, 0, -0.5}, 3, true), "-50 %");
-    EXPECT_EQ(writeField(ValueKind::Period, {kUnitMillisecond, 0, 0.01}, 3, true), "10 ms");
-    EXPECT_EQ(writeField(ValueKind::Period, {kUnitHertz, 0, 0.01}, 3, true), "100 Hz");
-    EXPECT_EQ(writeField(ValueKind::Frequency, {kUnitMillisecond, 0, 50}, 3, true), "20 ms");
-    EXPECT_EQ(writeField(ValueKind::Frequency, {kUnitHertz, 0, 440}, 3, true), "440 Hz");
-}
-
 }  // namespace
 }  // namespace orv

@@ -1,0 +1,356 @@
+#include "core/random_echo.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <initializer_list>
+#include <vector>
+
+#include "core/dicer.h"
+#include "core/random15.h"
+#include "core/sound.h"
+#include "tests/support/recording_platform.h"
+
+namespace orv {
+namespace {
+
+// With seed 1 the first throw is (die / 1073676288):
+//   0.51389170848, 0.30865941877, 0.94766439976, 0.70225924464, 0.49478498123, 0.08390983391
+// and the second: 0.27724983342, 0.98350532167, ...
+
+WavePtr waveOf(const std::vector<int>& v) {
+    CancelFlag c{0};
+    WavePtr w = newWave(c, static_cast<std::int32_t>(v.size()));
+    for (std::size_t i = 0; i < v.size(); ++i) (*w)[static_cast<std::int32_t>(i)] = wrap16(v[i]);
+    return w;
+}
+
+std::unique_ptr<MonoSound> mono(const std::vector<int>& v, std::int32_t freq) {
+    return std::make_unique<MonoSound>(waveOf(v), freq);
+}
+
+std::vector<int> samples(const Wave* w) {
+    std::vector<int> out;
+    for (std::int32_t i = 0; i < w->getValues(); ++i) out.push_back((*w)[i]);
+    return out;
+}
+
+// Zeros of length n with the given (position, value) pairs.
+std::vector<int> sparse(std::size_t n, std::initializer_list<std::pair<std::size_t, int>> at) {
+    std::vector<int> v(n, 0);
+    for (auto [i, x] : at) v[i] = x;
+    return v;
+}
+
+RandomEchoParams params(std::int32_t count, std::int32_t seed, double timeDifference) {
+    RandomEchoParams p;
+    p.count = count;
+    p.seed = seed;
+    p.timeDifference = timeDifference;
+    return p;
+}
+
+TEST(RandomEcho, EchoesArePlacedByTheTimeDieInASilentSpan) {
+    CancelFlag cancel{0};
+    auto src = mono({1000, 2000}, 1000);
+    // Positions trunc(1000 x 0.5139) = 513 and trunc(1000 x 0.2772) = 277; the span is
+    // trunc(1000 x 1 + 1) samples long.
+    SoundPtr r = RandomEcho(&cancel, *src, params(2, 1, 1.0));
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->MoSt, 1);
+    EXPECT_EQ(r->Freq, 1000);
+    EXPECT_EQ(samples(r->GetLeftWave()),
+              sparse(1001, {{277, 1000}, {278, 2000}, {513, 1000}, {514, 2000}}));
+    EXPECT_EQ(samples(src->WaveMiddle), (std::vector<int>{1000, 2000}));
+    EXPECT_FALSE(isCancelled(cancel));
+}
+
+TEST(RandomEcho, TwoPropertiesOnOneDieMoveTogether) {
+    auto src = mono({1000, 2000}, 1000);
+    CancelFlag cancel{0};
+
+    // Volume on its own die 1: factors 0.3087 and 0.9835, positions still from die 0.
+    RandomEchoParams own = params(2, 1, 1.0);
+    own.volumeOption = EchoLinearOption::Linear;
+    SoundPtr a = RandomEcho(&cancel, *src, own);
+    EXPECT_EQ(samples(a->GetLeftWave()),
+              sparse(1001, {{277, 983}, {278, 1967}, {513, 308}, {514, 617}}));
+
+    // Volume on the time's die 0: each echo is as loud as it is late.
+    RandomEchoParams shared = own;
+    shared.volumeDie = 0;
+    SoundPtr b = RandomEcho(&cancel, *src, shared);
+    EXPECT_EQ(samples(b->GetLeftWave()),
+              sparse(1001, {{277, 277}, {278, 554}, {513, 513}, {514, 1027}}));
+
+    // Many echoes of an impulse: every sample that sounds lies at trunc(10000 x g) and is
+    // trunc(30000 x g) for the same g, for every throw.
+    auto impulse = mono({30000}, 10000);
+    RandomEchoParams many = shared;
+    many.count = 12;
+    many.seed = 77;
+    SoundPtr c = RandomEcho(&cancel, *impulse, many);
+    const std::vector<int> got = samples(c->GetLeftWave());
+    Dicer d;
+    d.SeedDice(77);
+    std::vector<int> expected(got.size(), 0);
+    for (int k = 0; k < 12; ++k) {
+        d.ThrowDice();
+        const double g = d.GetDie(0, 1.0, 0.0);
+        expected[static_cast<std::size_t>(10000 * g)] += static_cast<int>(30000 * g);
+    }
+    EXPECT_EQ(got, expected);
+}
+
+TEST(RandomEcho, BalanceMakesStereoByItsDie) {
+    CancelFlag cancel{0};
+    auto src = mono({1000}, 1000);
+    RandomEchoParams p = params(1, 1, 1.0);
+    p.balanceOption = EchoLinearOption::Linear;  // die 3: b = 2 x 0.70226 - 1 = 0.40452
+    SoundPtr r = RandomEcho(&cancel, *src, p);
+    ASSERT_EQ(r->MoSt, 2);
+    // Volume difference: left x (1 - b) / 2, right x (1 + b) / 2.
+    EXPECT_EQ(samples(r->GetLeftWave()), sparse(1001, {{513, 297}}));
+    EXPECT_EQ(samples(r->GetRightWave()), sparse(1001, {{513, 702}}));
+}
+
+TEST(RandomEcho, StereoSourceKeepsBothChannelsWhenNotPanned) {
+    CancelFlag cancel{0};
+    StereoSound src(waveOf({100, 200}), waveOf({-5, 7}), 10);
+    SoundPtr r = RandomEcho(&cancel, src, params(1, 1, 1.0));  // position 5 of 11
+    ASSERT_EQ(r->MoSt, 2);
+    EXPECT_EQ(samples(r->GetLeftWave()), sparse(11, {{5, 100}, {6, 200}}));
+    EXPECT_EQ(samples(r->GetRightWave()), sparse(11, {{5, -5}, {6, 7}}));
+}
+
+TEST(RandomEcho, CyclableWrapsTheTailToTheStartOtherwiseTheResultGrows) {
+    CancelFlag cancel{0};
+    auto src = mono({1, 2, 3, 4, 5, 6, 7, 8}, 10);
+    RandomEchoParams p = params(1, 1, 1.0);  // position trunc(10 x 0.5139) = 5, span 11
+    p.cyclable = true;
+    SoundPtr loop = RandomEcho(&cancel, *src, p);
+    EXPECT_EQ(samples(loop->GetLeftWave()), (std::vector<int>{7, 8, 0, 0, 0, 1, 2, 3, 4, 5, 6}));
+
+    p.cyclable = false;
+    SoundPtr grown = RandomEcho(&cancel, *src, p);
+    EXPECT_EQ(samples(grown->GetLeftWave()),
+              (std::vector<int>{0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8}));
+
+    // An echo longer than the loop goes round it more than once.
+    auto longer = mono(std::vector<int>(25, 1), 10);
+    p.cyclable = true;
+    SoundPtr twice = RandomEcho(&cancel, *longer, p);  // 25 samples over 11: 3,2,2,...
+    EXPECT_EQ(samples(twice->GetLeftWave()), (std::vector<int>{2, 2, 2, 2, 2, 3, 3, 3, 2, 2, 2}));
+}
+
+TEST(RandomEcho, LoudEchoesAtOnePlaceWrapInsteadOfClipping) {
+    CancelFlag cancel{0};
+    auto src = mono({30000, -30000, 7}, 1000);
+    // No time difference: every echo starts at 0; the one-sample span grows to fit.
+    SoundPtr r = RandomEcho(&cancel, *src, params(2, 5, 0.0));
+    EXPECT_EQ(samples(r->GetLeftWave()), (std::vector<int>{-5536, 5536, 14}));
+
+    RandomEchoParams p = params(2, 5, 0.0);
+    p.cyclable = true;  // a loop of one sample takes everything: 2 x (30000 - 30000 + 7)
+    SoundPtr folded = RandomEcho(&cancel, *src, p);
+    EXPECT_EQ(samples(folded->GetLeftWave()), (std::vector<int>{14}));
+}
+
+TEST(RandomEcho, RandomEnvelopesMapToTimeVolumeLengthAndTempo) {
+    CancelFlag cancel{0};
+    auto src = mono({0, 100, 200, 300}, 1000);
+    auto top = mono({32767, 32767}, 1000);
+    auto low = mono({-16384, -16384}, 1000);
+
+    // Time: 32767 gives the whole time difference; a negative value starts at 0.
+    RandomEchoParams p = params(1, 1, 0.5);
+    p.timeOption = EchoTimeOption::RandomEnvelope;
+    p.timeEnvelope = top.get();
+    SoundPtr late = RandomEcho(&cancel, *src, p);
+    EXPECT_EQ(samples(late->GetLeftWave()),
+              sparse(504, {{501, 100}, {502, 200}, {503, 300}}));
+    p.timeEnvelope = low.get();
+    // Volume: -16384 / 32767 = -0.500015.
+    p.volumeOption = EchoLinearOption::RandomEnvelope;
+    p.volumeEnvelope = low.get();
+    SoundPtr early = RandomEcho(&cancel, *src, p);
+    EXPECT_EQ(samples(early->GetLeftWave()), sparse(501, {{1, -50}, {2, -100}, {3, -150}}));
+
+    // Length: 2 ^ (32767 / 32767) doubles the echo, read with interpolation (0 past the end).
+    RandomEchoParams q = params(1, 1, 0.0);
+    q.lengthOption = EchoEnvelopeOption::RandomEnvelope;
+    q.lengthEnvelope = top.get();
+    SoundPtr doubled = RandomEcho(&cancel, *src, q);
+    EXPECT_EQ(samples(doubled->GetLeftWave()),
+              (std::vector<int>{0, 50, 100, 150, 200, 250, 300, 150}));
+    // An envelope without samples reads 0: 2 ^ 0 leaves the length.
+    MonoSound none(1000);
+    q.lengthEnvelope = &none;
+    EXPECT_EQ(RandomEcho(&cancel, *src, q)->GetValues(), 4);
+
+    // Tempo: 2 ^ 1 plays 1000 samples through in 500; pitch alone keeps the length.
+    std::vector<int> ramp(1000);
+    for (int i = 0; i < 1000; ++i) ramp[static_cast<std::size_t>(i)] = i;
+    auto longSrc = mono(ramp, 1000);
+    RandomEchoParams t = params(1, 1, 0.0);
+    t.tempoOption = EchoEnvelopeOption::RandomEnvelope;
+    t.tempoEnvelope = top.get();
+    EXPECT_EQ(RandomEcho(&cancel, *longSrc, t)->GetValues(), 500);
+    RandomEchoParams f = params(1, 1, 0.0);
+    f.pitchOption = EchoEnvelopeOption::RandomEnvelope;
+    f.pitchEnvelope = top.get();
+    EXPECT_EQ(RandomEcho(&cancel, *longSrc, f)->GetValues(), 1000);
+
+    EXPECT_DOUBLE_EQ(echoEnvelopePower(2.0, 32767), 2.0);
+    EXPECT_DOUBLE_EQ(echoEnvelopePower(2.0, -32767), 0.5);
+    EXPECT_DOUBLE_EQ(echoEnvelopePower(3.0, 0), 1.0);
+}
+
+// Everything switched on: envelopes, filter and time-difference balance, crossfaded
+// tempo/pitch, cyclable.
+struct Busy {
+    std::unique_ptr<MonoSound> src, rising, falling;
+    RandomEchoParams p;
+    Busy() {
+        std::vector<int> noise(3000), up(50), down(50);
+        srand15(3);
+        for (auto& x : noise) x = rand15() - 16384;
+        for (int i = 0; i < 50; ++i) {
+            up[static_cast<std::size_t>(i)] = -32767 + i * 1337;
+            down[static_cast<std::size_t>(i)] = 32767 - i * 1337;
+        }
+        src = mono(noise, 8000);
+        rising = mono(up, 8000);
+        falling = mono(down, 8000);
+        p = params(6, 1234, 0.3);
+        p.timeOption = EchoTimeOption::RandomEnvelope;
+        p.timeEnvelope = rising.get();
+        p.volumeOption = EchoLinearOption::Linear;
+        p.lengthOption = EchoEnvelopeOption::RandomEnvelope;
+        p.lengthEnvelope = falling.get();
+        p.balanceOption = EchoLinearOption::RandomEnvelope;
+        p.balanceEnvelope = rising.get();
+        p.volumeDifference = EchoVolumeDifference::Filter;
+        p.balanceTimeDifference = true;
+        p.pitchOption = EchoEnvelopeOption::RandomEnvelope;
+        p.pitchEnvelope = falling.get();
+        p.tempoOption = EchoEnvelopeOption::RandomEnvelope;
+        p.tempoEnvelope = rising.get();
+        p.quality = EchoQuality::High;
+        p.blockSize = 0.01;
+        p.cyclable = true;
+    }
+};
+
+TEST(RandomEcho, SameSeedSameResultSampleForSample) {
+    Busy b;
+    const std::vector<int> before = samples(b.src->WaveMiddle);
+    CancelFlag cancel{0};
+    SoundPtr first = RandomEcho(&cancel, *b.src, b.p);
+    for (int i = 0; i < 100; ++i) rand15();  // whatever ran in between
+    SoundPtr second = RandomEcho(&cancel, *b.src, b.p);
+    ASSERT_TRUE(first && second);
+    ASSERT_EQ(first->MoSt, 2);
+    EXPECT_EQ(first->GetValues(), 2401);
+    EXPECT_EQ(samples(first->GetLeftWave()), samples(second->GetLeftWave()));
+    EXPECT_EQ(samples(first->GetRightWave()), samples(second->GetRightWave()));
+    EXPECT_NE(samples(first->GetLeftWave()), samples(first->GetRightWave()));
+    EXPECT_EQ(samples(b.src->WaveMiddle), before);
+
+    b.p.seed = 1235;
+    SoundPtr other = RandomEcho(&cancel, *b.src, b.p);
+    EXPECT_NE(samples(first->GetLeftWave()), samples(other->GetLeftWave()));
+}
+
+struct RaiseAfter {
+    CancelFlag* flag;
+    int chunksLeft;
+    int chunksSeen = 0;
+    static void hook(void* ctx, std::int32_t, std::int32_t) {
+        auto* self = static_cast<RaiseAfter*>(ctx);
+        ++self->chunksSeen;
+        if (--self->chunksLeft == 0) setCancelled(*self->flag);
+    }
+};
+
+TEST(RandomEcho, CancelGivesNoResultAndLeavesTheSourceAlone) {
+    Busy b;
+    const std::vector<int> before = samples(b.src->WaveMiddle);
+    CancelFlag free{0};
+    RaiseAfter all{&free, -1};
+    setChunkHook(&RaiseAfter::hook, &all);
+    ASSERT_TRUE(RandomEcho(&free, *b.src, b.p));
+    setChunkHook(nullptr, nullptr);
+    ASSERT_GT(all.chunksSeen, 10);
+    // At the first chunk, half way, and at the very last chunk of the last mix.
+    for (int after : {1, all.chunksSeen / 2, all.chunksSeen}) {
+        CancelFlag cancel{0};
+        RaiseAfter raise{&cancel, after};
+        setChunkHook(&RaiseAfter::hook, &raise);
+        SoundPtr r = RandomEcho(&cancel, *b.src, b.p);
+        setChunkHook(nullptr, nullptr);
+        EXPECT_EQ(r, nullptr) << after;
+        EXPECT_TRUE(isCancelled(cancel));
+        EXPECT_EQ(samples(b.src->WaveMiddle), before);
+    }
+    // Already set: nothing runs at all.
+    CancelFlag set{1};
+    RaiseAfter count{&set, -1};
+    setChunkHook(&RaiseAfter::hook, &count);
+    EXPECT_EQ(RandomEcho(&set, *b.src, b.p), nullptr);
+    setChunkHook(nullptr, nullptr);
+    EXPECT_EQ(count.chunksSeen, 0);
+}
+
+TEST(RandomEchoDeathTest, RefusesWhatTheDialogNeverSends) {
+    auto src = mono({1}, 1000);
+    CancelFlag cancel{0};
+    RandomEchoParams p = params(-1, 0, 1.0);
+    EXPECT_DEATH(RandomEcho(&cancel, *src, p), "Assertion failed: count >= 0, unit dicer");
+    p = params(1, 0, 1.0);
+    p.volumeOption = EchoLinearOption::RandomEnvelope;
+    EXPECT_DEATH(RandomEcho(&cancel, *src, p), "Assertion failed: envelope != nullptr, unit dicer");
+    p = params(1, 0, 1.0);
+    p.timeDie = 6;
+    EXPECT_DEATH(RandomEcho(&cancel, *src, p), "Assertion failed: dice < DICES, unit dicer");
+}
+
+// The two in-place mixes that place each echo.
+TEST(EchoMixing, PlainStopsAtTheEndCyclicGoesOnAtTheStartBothWrapIn16Bits) {
+    CancelFlag cancel{0};
+    auto other = mono({100, 30000, 3}, 1000);
+
+    auto plain = mono({30000, 5, 7}, 1000);
+    plain->MixCycleSimple(&cancel, other.get(), 2);
+    EXPECT_EQ(samples(plain->WaveMiddle), (std::vector<int>{30000, 5, 107}));
+
+    auto cyclic = mono({30000, 5, 7}, 1000);
+    cyclic->MixCycleAfterThis(&cancel, other.get(), 2);
+    EXPECT_EQ(samples(cyclic->WaveMiddle), (std::vector<int>{-5536, 8, 107}));
+
+    // Round more than once: 3 samples into a 2-sample sound from 1.
+    auto tiny = mono({0, 0}, 1000);
+    tiny->MixCycleAfterThis(&cancel, other.get(), 1);
+    EXPECT_EQ(samples(tiny->WaveMiddle), (std::vector<int>{30000, 103}));
+
+    // Stereo: a mono echo feeds both channels.
+    StereoSound st(waveOf({1, 2}), waveOf({-32768, 4}), 1000);
+    auto neg = mono({-1, 10, 20}, 1000);
+    st.MixCycleAfterThis(&cancel, neg.get(), 0);
+    EXPECT_EQ(samples(st.WaveLeft), (std::vector<int>{20, 12}));
+    EXPECT_EQ(samples(st.WaveRight), (std::vector<int>{-32749, 14}));  // -32768 - 1 wraps
+}
+
+TEST(EchoMixingDeathTest, NeedsRoomAfterThePosition) {
+    CancelFlag cancel{0};
+    auto other = mono({1}, 1000);
+    auto empty = std::make_unique<MonoSound>(1000);
+    EXPECT_DEATH(empty->MixCycleAfterThis(&cancel, other.get(), 0),
+                 "Assertion failed: values != 0, unit wave");
+    auto two = mono({0, 0}, 1000);
+    EXPECT_DEATH(two->MixCycleSimple(&cancel, other.get(), 2),
+                 "Assertion failed: after < values, unit wave");
+}
+
+}  // namespace
+}  // namespace orv

@@ -1,6 +1,7 @@
 #include "core/random_echo.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <new>
 
@@ -13,6 +14,7 @@ namespace orv {
 namespace {
 
 constexpr const char* kUnit = "dicer";
+constexpr const char* kNoMemory = "There is not enough memmory for this operation.";
 
 // The envelope read at the die's relative position; an empty envelope reads as 0.
 long double envelopeAt(CancelFlag* cancel, const Sound* envelope, double die) {
@@ -152,6 +154,12 @@ SoundPtr RandomEcho(CancelFlag* cancel, const Sound& source, const RandomEchoPar
             result->MixCycleAfterThis(cancel, &echo.current(), position);
         } else {
             const std::int64_t need = std::int64_t{position} + echoLength;
+            if (need > INT32_MAX) {
+                // No sound can hold it; the same answer as a failed allocation.
+                showMessage("System Error", kNoMemory);
+                setCancelled(*cancel);
+                return nullptr;
+            }
             if (need > result->GetValues()) {
                 std::int32_t begin = result->GetValues(), end = begin;
                 result = result->MakeSilenceValues(

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <initializer_list>
 #include <vector>
 
@@ -300,6 +301,28 @@ TEST(RandomEcho, CancelGivesNoResultAndLeavesTheSourceAlone) {
     EXPECT_EQ(RandomEcho(&set, *b.src, b.p), nullptr);
     setChunkHook(nullptr, nullptr);
     EXPECT_EQ(count.chunksSeen, 0);
+}
+
+int allocationsLeft = 0;
+void* failingAllocator(std::size_t bytes) {
+    return allocationsLeft-- > 0 ? std::malloc(bytes) : nullptr;
+}
+
+TEST(RandomEcho, MemoryFailureAnywhereGivesNoResultAndOneMessage) {
+    Busy b;
+    for (int allowed : {0, 5, 30}) {
+        test::RecordingPlatformScope rec;
+        CancelFlag cancel{0};
+        allocationsLeft = allowed;
+        const SampleAllocator old = setSampleAllocator(&failingAllocator);
+        SoundPtr r = RandomEcho(&cancel, *b.src, b.p);
+        setSampleAllocator(old);
+        EXPECT_EQ(r, nullptr) << allowed;
+        EXPECT_TRUE(isCancelled(cancel));
+        ASSERT_EQ(rec.recorder.messages.size(), 1u) << allowed;
+        EXPECT_EQ(rec.recorder.messages[0].caption, "System Error");
+        EXPECT_EQ(rec.recorder.messages[0].text, "There is not enough memmory for this operation.");
+    }
 }
 
 TEST(RandomEchoDeathTest, RefusesWhatTheDialogNeverSends) {

@@ -66,8 +66,13 @@ void mixRun(const WaveVal* __restrict s, const WaveVal* __restrict o, WaveVal* _
 void addRun(const WaveVal* __restrict s, WaveVal* __restrict d, std::int32_t n,
             WaveVal value) {
     const std::uint16_t v = static_cast<std::uint16_t>(value);
-    for (std::int32_t i = 0; i < n; ++i)
-        d[i] = static_cast<WaveVal>(static_cast<std::uint16_t>(static_cast<std::uint16_t>(s[i]) + v));
+    auto add = [v](WaveVal x) {
+        return static_cast<WaveVal>(static_cast<std::uint16_t>(static_cast<std::uint16_t>(x) + v));
+    };
+    std::int32_t i = 0;
+    for (; i + kGroup <= n; i += kGroup)
+        for (std::int32_t j = 0; j < kGroup; ++j) d[i + j] = add(s[i + j]);
+    for (; i < n; ++i) d[i] = add(s[i]);
 }
 
 // In place over d[0 .. n).

@@ -1,0 +1,307 @@
+#include "core/stereo_ops.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/filter.h"
+#include "core/sound.h"
+#include "support/recording_platform.h"
+
+namespace orv {
+namespace {
+
+using Vals = std::vector<int>;
+
+WavePtr wav(const Vals& v) {
+    CancelFlag c{0};
+    WavePtr w = v.empty() ? std::make_unique<Wave>() : newWave(c, std::int32_t(v.size()));
+    for (std::size_t i = 0; i < v.size(); ++i) (*w)[std::int32_t(i)] = WaveVal(v[i]);
+    return w;
+}
+
+Vals vals(const Wave* w) {
+    Vals v;
+    for (std::int32_t i = 0; i < w->getValues(); ++i) v.push_back((*w)[i]);
+    return v;
+}
+
+SoundPtr mono(const Vals& v, std::int32_t freq = 1000) {
+    return std::make_unique<MonoSound>(wav(v), freq);
+}
+
+SoundPtr stereo(const Vals& l, const Vals& r, std::int32_t freq = 1000) {
+    return std::make_unique<StereoSound>(wav(l), wav(r), freq);
+}
+
+Vals left(const SoundPtr& s) { return vals(s->GetLeftWave()); }
+Vals right(const SoundPtr& s) { return vals(s->GetRightWave()); }
+
+class StereoOpsTest : public ::testing::Test {
+protected:
+    CancelFlag cancel{0};
+    CancelFlag* c = &cancel;
+};
+
+// ---- balance by level ---------------------------------------------------------------------
+
+TEST_F(StereoOpsTest, CentreWithVolumeGivesHalfLevelOnBothSides) {
+    auto r = mono({1000, -2000, 3}, 8000)->Balance(c, 0.0, false, true, false);
+    ASSERT_NE(r, nullptr);
+    EXPECT_EQ(r->MoSt, 2);
+    EXPECT_EQ(r->Freq, 8000);
+    EXPECT_EQ(left(r), (Vals{500, -1000, 1}));
+    EXPECT_EQ(right(r), (Vals{500, -1000, 1}));
+}
+
+TEST_F(StereoOpsTest, FullyRightWithVolumeSilencesTheLeft) {
+    auto r = mono({1000, -2000, 3})->Balance(c, 1.0, false, true, false);
+    EXPECT_EQ(left(r), (Vals{0, 0, 0}));
+    EXPECT_EQ(right(r), (Vals{1000, -2000, 3}));
+    auto l = mono({1000, -2000, 3})->Balance(c, -0.5, false, true, false);
+    EXPECT_EQ(left(l), (Vals{750, -1500, 2}));
+    EXPECT_EQ(right(l), (Vals{250, -500, 0}));
+}
+
+TEST_F(StereoOpsTest, WithoutOptionsBothChannelsAreTheFirstWave) {
+    // A stereo receiver is balanced from its left channel.
+    auto r = stereo({1, 2}, {9, 9})->Balance(c, 0.7, false, false, false);
+    EXPECT_EQ(left(r), (Vals{1, 2}));
+    EXPECT_EQ(right(r), (Vals{1, 2}));
+    EXPECT_NE(r->GetLeftWave(), r->GetRightWave());
+}
+
+// ---- balance by time -------------------------------------------------------------------------
+
+TEST_F(StereoOpsTest, DelaysUseTheStoredHalfTurnNotPi) {
+    // 34000 x 1/3400 x 2: twenty samples at most.
+    EXPECT_NEAR(balanceMaxDelay(34000), 20.0, 1e-12);
+    // With pi the full delay would be the whole 20 (a hair above it); 3.1415293 stays below.
+    EXPECT_LT(balanceDelay(34000, 1.0), 20.0);
+    EXPECT_GT(balanceDelay(34000, 1.0), 19.9999999);
+    EXPECT_EQ(balanceDelay(34000, 0.0), 0.0);
+    EXPECT_EQ(balanceDelay(34000, -0.5), -balanceDelay(34000, 0.5));
+}
+
+TEST_F(StereoOpsTest, TimeDifferenceAtCentreLengthensBothByOne) {
+    auto r = mono({1000, -2000, 3}, 34000)->Balance(c, 0.0, true, false, false);
+    EXPECT_EQ(left(r), (Vals{1000, -2000, 3, 0}));
+    EXPECT_EQ(right(r), (Vals{1000, -2000, 3, 0}));
+}
+
+TEST_F(StereoOpsTest, TheLeadingChannelKeepsItsLevel) {
+    // b = 0.5 at 34000 Hz: the left channel lags 14.14 samples at level 0.25, the right one
+    // leads and keeps full level, followed by trunc(14.14 + 1) = 15 samples of silence.
+    const Vals flat(30, 1000);
+    auto r = mono(flat, 34000)->Balance(c, 0.5, true, true, false);
+    Vals expectRight = flat;
+    expectRight.resize(45, 0);
+    EXPECT_EQ(right(r), expectRight);
+    Vals expectLeft(45, 0);
+    for (int j = 15; j <= 43; ++j) expectLeft[std::size_t(j)] = 250;
+    EXPECT_EQ(left(r), expectLeft);
+}
+
+TEST_F(StereoOpsTest, TheLaggingChannelIsReadBetweenSamples) {
+    // b = 1: left lags 19.99999999 samples, so output 20 reads a hair past input 0.
+    auto r = mono({0, 10000, 0}, 34000)->Balance(c, 1.0, true, false, false);
+    const Vals l = left(r);
+    ASSERT_EQ(l.size(), 23u);
+    EXPECT_EQ(l[19], 0);
+    EXPECT_EQ(l[20], 0);      // 1e-8 x 10000 truncates to 0
+    EXPECT_EQ(l[21], 9999);   // just short of input 1
+    EXPECT_EQ(l[22], 0);      // input 2 and the end
+    Vals leading(23, 0);  // unshifted, then trunc(19.99999999 + 1) = 20 samples of silence
+    leading[1] = 10000;
+    EXPECT_EQ(right(r), leading);
+}
+
+// ---- balance by filter -----------------------------------------------------------------------
+
+TEST_F(StereoOpsTest, FilterCurveUsesWholeSamplePeriods) {
+    auto curve = balanceFilterCurve(cancel, 44100);
+    ASSERT_EQ(curve->getValues(), 150);
+    EXPECT_EQ((*curve)[0], 32767);     // period 2: 22050 Hz, above the top: clamped
+    EXPECT_EQ((*curve)[59], 16694);    // period 12: 3675 Hz
+    EXPECT_EQ((*curve)[75], 13389);    // period 17: 2594 Hz
+    EXPECT_EQ((*curve)[90], 4367);     // period 44: 1002 Hz
+    EXPECT_EQ((*curve)[149], -5613);   // period 126: 350 Hz
+    EXPECT_EQ((*curve)[30], 24594);    // on the line from index 0 to 59
+    // Below 20000 Hz of sample frequency the period of 20 kHz is 0: the top code.
+    auto low = balanceFilterCurve(cancel, 11025);
+    EXPECT_EQ((*low)[0], 32767);
+}
+
+TEST_F(StereoOpsTest, FilterPeriodFollowsTheCurve) {
+    auto curve = balanceFilterCurve(cancel, 44100);
+    EXPECT_DOUBLE_EQ(balanceFilterPeriod(*curve, 44100, -1.0), 2.205);  // 20 kHz
+    EXPECT_NEAR(balanceFilterPeriod(*curve, 44100, 1.0), 125.98892635068, 1e-9);
+}
+
+TEST_F(StereoOpsTest, FilterOptionLowPassesEachSideAndLogs) {
+    test::RecordingPlatformScope rec;
+    Vals v;
+    for (int i = 0; i < 50; ++i) v.push_back(i % 2 ? 12000 : -12000);
+    auto src = wav(v);
+    auto r = mono(v, 44100)->Balance(c, -1.0, false, false, true);
+    ASSERT_NE(r, nullptr);
+    auto curve = balanceFilterCurve(cancel, 44100);
+    auto near = LowPass(src.get(), cancel, balanceFilterPeriod(*curve, 44100, -1.0), 0.4, 1, 1,
+                        0, -1);
+    auto far = LowPass(src.get(), cancel, balanceFilterPeriod(*curve, 44100, 1.0), 0.4, 1, 1, 0,
+                       -1);
+    EXPECT_EQ(left(r), vals(near.get()));
+    EXPECT_EQ(right(r), vals(far.get()));
+    EXPECT_NE(left(r), right(r));
+    EXPECT_EQ(rec.recorder.traces,
+              (std::vector<std::string>{"in Wave::balFilter val\n", "uit Wave::balFilter val\n",
+                                        "in Wave::balFilter val\n",
+                                        "uit Wave::balFilter val\n"}));
+}
+
+// ---- balance with an envelope -----------------------------------------------------------------
+
+TEST_F(StereoOpsTest, EnvelopeLevels) {
+    auto src = mono({1000, 1000});
+    // e = 0: level 16383 on both sides.
+    auto mid = src->BalanceEnv(c, mono({0, 0}).get(), false, true, false);
+    EXPECT_EQ(left(mid), (Vals{499, 499}));
+    EXPECT_EQ(right(mid), (Vals{499, 499}));
+    // e = 32767: left level -0.5 (cut to 0), right 32766.
+    auto r = src->BalanceEnv(c, mono({32767, 32767}).get(), false, true, false);
+    EXPECT_EQ(left(r), (Vals{0, 0}));
+    EXPECT_EQ(right(r), (Vals{999, 999}));
+    // e = -32768: left 32767, right -1.
+    auto l = src->BalanceEnv(c, mono({-32768, -32768}).get(), false, true, false);
+    EXPECT_EQ(left(l), (Vals{1000, 1000}));
+    EXPECT_EQ(right(l), (Vals{0, 0}));
+    // A stereo envelope is read as its left channel.
+    auto s = src->BalanceEnv(c, stereo({0, 0}, {32767, 32767}).get(), false, true, false);
+    EXPECT_EQ(right(s), (Vals{499, 499}));
+}
+
+TEST_F(StereoOpsTest, EnvelopeTimeDifferenceMakesRoomForTheLargestDelay) {
+    auto r = mono({1000, -2000, 3}, 34000)->BalanceEnv(c, mono({0}).get(), true, false, false);
+    Vals expect{1000, -2000, 3};
+    expect.resize(3 + 21, 0);
+    EXPECT_EQ(left(r), expect);
+    EXPECT_EQ(right(r), expect);
+}
+
+TEST_F(StereoOpsTest, EnvelopeFilterMatchesTheConstantFormAtTheEnds) {
+    Vals v;
+    for (int i = 0; i < 40; ++i) v.push_back(i % 2 ? 10000 : -10000);
+    auto src = mono(v, 44100);
+    auto constant = src->Balance(c, 1.0, false, false, true);
+    auto env = src->BalanceEnv(c, mono({32767, 32767}).get(), false, false, true);
+    // The envelope form recomputes its coefficient per sample: allow the last bit.
+    const Vals le = left(env), lc = left(constant), re = right(env), rc = right(constant);
+    ASSERT_EQ(le.size(), lc.size());
+    ASSERT_EQ(re.size(), rc.size());
+    for (std::size_t i = 0; i < le.size(); ++i) {
+        EXPECT_NEAR(le[i], lc[i], 1) << i;
+        EXPECT_NEAR(re[i], rc[i], 1) << i;
+    }
+    EXPECT_NE(le, re);
+}
+
+TEST_F(StereoOpsTest, EmptyEnvelopeIsAnError) {
+    EXPECT_DEATH(mono({1})->BalanceEnv(c, mono({}).get(), false, true, false),
+                 "Assertion failed: GetValues\\(\\) != 0, unit sound");
+}
+
+// ---- the left/right matrix ------------------------------------------------------------------
+
+TEST_F(StereoOpsTest, ExamplesAppliedToOneSample) {
+    // Left 1000, right 200 through each example, in the order of the list.
+    const std::vector<std::pair<std::string, Vals>> expected{
+        {"Normal", {1000, 200}},
+        {"Swapped", {200, 1000}},
+        {"Extra Stereo", {700, -100}},
+        {"Super Stereo", {450, -150}},
+        {"Surround", {400, -400}},
+        {"Mono", {600, 600}},
+        {"Mono at Left, Surround at Right", {480, -640}},
+        {"Mono at Right, Surround at Left", {640, 480}},
+    };
+    ASSERT_EQ(kMixLeftRightExamples.size(), expected.size());
+    auto st = stereo({1000}, {200});
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const auto& ex = kMixLeftRightExamples[i];
+        EXPECT_EQ(ex.name, expected[i].first);
+        std::int32_t end = -1;
+        auto r = static_cast<StereoSound&>(*st).MixLeftRight(c, ex.LL, ex.LR, ex.RL, ex.RR, 0,
+                                                             end);
+        ASSERT_NE(r, nullptr);
+        EXPECT_EQ((Vals{left(r)[0], right(r)[0]}), expected[i].second) << ex.name;
+    }
+}
+
+TEST_F(StereoOpsTest, MatrixWorksOnTheRangeOnlyAndWraps) {
+    StereoSound st(wav({1, 2, 3}), wav({4, 5, 6}), 1000);
+    std::int32_t end = 2;
+    auto swapped = st.MixLeftRight(c, 0, 1, 1, 0, 1, end);
+    EXPECT_EQ(left(swapped), (Vals{1, 5, 3}));
+    EXPECT_EQ(right(swapped), (Vals{4, 2, 6}));
+    EXPECT_EQ(end, 2);
+
+    StereoSound loud(wav({30000, 1001}), wav({30000, 2}), 1000);
+    end = -1;
+    auto sum = loud.MixLeftRight(c, 1, 1, 1, 1, 0, end);
+    EXPECT_EQ(left(sum), (Vals{-5536, 1003}));
+    EXPECT_EQ(right(sum), (Vals{-5536, 1003}));
+    end = -1;
+    auto monoEx = loud.MixLeftRight(c, 0.5, 0.5, 0.5, 0.5, 0, end);
+    EXPECT_EQ(left(monoEx), (Vals{30000, 501}));
+    EXPECT_EQ(right(monoEx), (Vals{30000, 501}));
+}
+
+TEST_F(StereoOpsTest, MatrixOnAnEmptySoundIsAnError) {
+    StereoSound empty(1000);
+    std::int32_t end = -1;
+    EXPECT_DEATH(empty.MixLeftRight(c, 1, 0, 0, 1, 0, end),
+                 "Assertion failed: GetValues\\(\\) != 0, unit sound");
+}
+
+// ---- split and merge -----------------------------------------------------------------------
+
+TEST_F(StereoOpsTest, MergeTakesEachSoundsMonoWave) {
+    auto a = mono({1, 2}, 8000);
+    auto b = stereo({3, 4}, {5, 6}, 4000);
+    auto m = MergeToStereo(c, *a, *b);
+    ASSERT_NE(m, nullptr);
+    EXPECT_EQ(m->Freq, 8000);
+    EXPECT_EQ(left(m), (Vals{1, 2}));
+    EXPECT_EQ(right(m), (Vals{3, 4}));
+    EXPECT_DEATH(MergeToStereo(c, *a, *mono({1})),
+                 "Assertion failed: waveLeft->getValues\\(\\) == waveRight->getValues\\(\\), "
+                 "unit sound");
+}
+
+TEST_F(StereoOpsTest, SplitGivesTwoIndependentMonoSounds) {
+    auto st = stereo({1, 2}, {3, 4}, 8000);
+    auto [l, r] = SplitToMono(c, *st);
+    ASSERT_NE(l, nullptr);
+    ASSERT_NE(r, nullptr);
+    EXPECT_EQ(l->MoSt, 1);
+    EXPECT_EQ(r->Freq, 8000);
+    EXPECT_EQ(left(l), (Vals{1, 2}));
+    EXPECT_EQ(left(r), (Vals{3, 4}));
+    EXPECT_NE(l->GetLeftWave(), st->GetLeftWave());
+    // And back again.
+    auto back = MergeToStereo(c, *l, *r);
+    EXPECT_EQ(left(back), (Vals{1, 2}));
+    EXPECT_EQ(right(back), (Vals{3, 4}));
+}
+
+TEST_F(StereoOpsTest, CancelledBalanceGivesNoSound) {
+    cancel = 1;
+    EXPECT_EQ(mono({1, 2})->Balance(c, 0.0, true, true, false), nullptr);
+    auto [l, r] = SplitToMono(c, *stereo({1}, {2}));
+    EXPECT_EQ(l, nullptr);
+    EXPECT_EQ(r, nullptr);
+}
+
+}  // namespace
+}  // namespace orv

@@ -67,8 +67,8 @@ public:
     }
 
     void field(std::uint8_t* data, std::size_t bytes) {
-        const std::size_t got = read(data, bytes);
-        std::memset(data + got, 0, bytes - got);
+        std::memset(data, 0, bytes);
+        (void)read(data, bytes);
     }
     std::uint32_t u32() {
         std::uint8_t b[4];

@@ -11,12 +11,11 @@
 #include <string>
 
 #include "core/cancel.h"
+#include "core/sound.h"
 #include "core/wave.h"
 #include "fileio/wav_format.h"
 
 namespace orv {
-
-class Sound;
 
 // ---- channel level --------------------------------------------------------------------
 
@@ -44,11 +43,11 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
                        std::int32_t freq, int bytesPSample, std::int32_t begin,
                        std::int32_t end, bool temporary);
 
-// ---- sound level ----------------------------------------------------------------------
+// ---- sound level (wav_sound.cpp) --------------------------------------------------------
 
 // Reads a file into a new MonoSound or StereoSound at the file's frequency. On success
 // `sound` owns the result and `bytesPSample` is the file's width (see WaveFileChannels).
-bool readWaveFile(const std::string& fileName, std::unique_ptr<Sound>& sound, int& bytesPSample,
+bool readWaveFile(const std::string& fileName, SoundPtr& sound, int& bytesPSample,
                   const char*& message);
 
 // Writes samples [begin, end) of every channel of `sound`. `cancel` is handed to the mono

@@ -8,7 +8,7 @@ namespace orv {
 namespace {
 constexpr bool kLittleHost = std::endian::native == std::endian::little;
 
-inline std::uint16_t swap16(std::uint16_t v) {
+[[maybe_unused]] inline std::uint16_t swap16(std::uint16_t v) {
     return static_cast<std::uint16_t>((v << 8) | (v >> 8));
 }
 }  // namespace

@@ -11,16 +11,17 @@ namespace orv {
 
 // The reader's messages. The first one is also the value on success and on the one
 // failure that has no message of its own (a chunk other than "fact" before "data").
-inline constexpr const char* kWavNoErrors = "No errors occurred.";
-inline constexpr const char* kWavCannotOpen = "Cannot open File.";
-inline constexpr const char* kWavNoRiff = "\"RIFF\" not found.";
-inline constexpr const char* kWavNoWaveFmt = "\"WAVEfmt \" not found.";
-inline constexpr const char* kWavChunkTooSmall = "chunk too small.";
-inline constexpr const char* kWavNotPcm = "A value must be 1.";
-inline constexpr const char* kWavBadChannels = "MonoStereo must be 1 or 2.";
+// Arrays, not pointers, so that each text has one address in the whole program.
+inline constexpr char kWavNoErrors[] = "No errors occurred.";
+inline constexpr char kWavCannotOpen[] = "Cannot open File.";
+inline constexpr char kWavNoRiff[] = "\"RIFF\" not found.";
+inline constexpr char kWavNoWaveFmt[] = "\"WAVEfmt \" not found.";
+inline constexpr char kWavChunkTooSmall[] = "chunk too small.";
+inline constexpr char kWavNotPcm[] = "A value must be 1.";
+inline constexpr char kWavBadChannels[] = "MonoStereo must be 1 or 2.";
 
-inline constexpr const char* kMemoryCaption = "System Error";
-inline constexpr const char* kMemoryMessage = "There is not enough memmory for this operation.";
+inline constexpr char kMemoryCaption[] = "System Error";
+inline constexpr char kMemoryMessage[] = "There is not enough memmory for this operation.";
 
 inline constexpr std::uint32_t kWavHeaderSize = 44;
 using WavHeader = std::array<std::uint8_t, kWavHeaderSize>;

@@ -2,13 +2,10 @@
 // mirror, rotate, block, the weighted mix and the average that must stay a copy.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <utility>
 #include <vector>
 
 #include "core/wave.h"
-#include "support/recording_platform.h"
 
 namespace orv {
 namespace {
@@ -103,14 +100,6 @@ TEST(Volume, LongRangesMatchTheRuleSampleForSample) {
             ASSERT_EQ((*inPlace)[i], want) << "in place, factor " << f << " at " << i;
         }
     }
-}
-
-TEST(Volume, InPlaceChangesOnlyTheRange) {
-    auto w = makeWave({10, 20000, -20000, 10});
-    CancelFlag c{0};
-    std::int32_t end = 3;
-    w->volumeInPlace(c, 2, 1, end);
-    EXPECT_EQ(samplesOf(*w), (Samples{10, -25536, 25536, 10}));
 }
 
 TEST(Volume, EnvelopeIsStretchedOverTheRange) {
@@ -425,22 +414,6 @@ TEST(Effects, FlagAlreadySetGivesNoWave) {
     EXPECT_EQ(w->reverse(c, 0, end), nullptr);
     EXPECT_EQ(w->rotate(c, 1, 0, end), nullptr);
     EXPECT_EQ(w->block(c, 1, 0, 0, end), nullptr);
-}
-
-TEST(Effects, MemoryFailureShowsTheMessageAndGivesNoWave) {
-    test::RecordingPlatformScope rec;
-    auto w = makeWave({1, 2, 3});
-    auto fail = [](std::size_t) -> void* { return nullptr; };
-    SampleAllocator old = setSampleAllocator(fail);
-    CancelFlag c{0};
-    std::int32_t end = -1;
-    auto r = w->up(c, 1, 0, end);
-    setSampleAllocator(old);
-    EXPECT_EQ(r, nullptr);
-    EXPECT_NE(c.load(), 0);
-    ASSERT_EQ(rec.recorder.messages.size(), 1u);
-    EXPECT_EQ(rec.recorder.messages[0].caption, "System Error");
-    EXPECT_EQ(rec.recorder.messages[0].text, "There is not enough memmory for this operation.");
 }
 
 }  // namespace

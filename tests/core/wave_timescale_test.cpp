@@ -61,10 +61,8 @@ TEST(Speed, FactorMultipliesTheLength) {
     EXPECT_EQ(end, 2000);
     EXPECT_EQ((*r)[1], 0);  // half speed: 0, 0.5, 1 ... truncated
     EXPECT_EQ((*r)[3], 1);
-    end = -1;
-    r = w->speed(c, 0.5, 0, end);
+    r = w->speedWhole(c, 0.5);
     EXPECT_EQ(r->getValues(), 500);
-    EXPECT_EQ(end, 500);
     EXPECT_EQ((*r)[7], 14);
 }
 
@@ -85,14 +83,6 @@ TEST(Speed, LengthRoundedToZeroGivesAnEmptyWave) {
     ASSERT_NE(r, nullptr);
     EXPECT_EQ(r->getValues(), 0);  // head and tail are gone too
     EXPECT_EQ(c.load(), 0);
-}
-
-TEST(Speed, WholeWave) {
-    auto w = makeWave({0, 100, 200, 300});
-    CancelFlag c{0};
-    auto r = w->speedWhole(c, 2);
-    // The last sample blends 300 with the 0 read past the end of the wave.
-    EXPECT_EQ(samplesOf(*r), (Samples{0, 50, 100, 150, 200, 250, 300, 150}));
 }
 
 // ---- stretch ----

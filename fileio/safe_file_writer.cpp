@@ -40,9 +40,11 @@ std::string resolveTarget(const std::string& target) {
 
 std::atomic<unsigned> tempCounter{0};
 
+constexpr std::size_t kFlushStep = std::size_t(16) << 20;
+
 }  // namespace
 
-FileOps systemFileOps() { return FileOps{::write, ::fsync, ::close, ::rename}; }
+FileOps systemFileOps() { return FileOps{::write, ::posix_fallocate, ::fsync, ::close, ::rename}; }
 
 FileOps setFileOps(const FileOps& ops) {
     FileOps old = currentOps;
@@ -52,9 +54,11 @@ FileOps setFileOps(const FileOps& ops) {
 
 SafeFileWriter::~SafeFileWriter() { abandon(); }
 
-bool SafeFileWriter::open(const std::string& target) {
+bool SafeFileWriter::open(const std::string& target, bool durable) {
     abandon();
     failed_ = false;
+    durable_ = durable;
+    written_ = flushStarted_ = 0;
     ops_ = currentOps;
     target_ = resolveTarget(target);
     std::string folder, name;
@@ -87,6 +91,16 @@ bool SafeFileWriter::open(const std::string& target) {
     return true;
 }
 
+bool SafeFileWriter::reserve(std::size_t bytes) {
+    if (fd_ < 0 || failed_) return false;
+    const int e = ops_.fallocate(fd_, 0, off_t(bytes));
+    if (e == ENOSPC || e == EFBIG || e == EDQUOT) {
+        failed_ = true;
+        return false;
+    }
+    return true;  // a file system without the call just allocates while writing
+}
+
 bool SafeFileWriter::write(const void* data, std::size_t bytes) {
     if (fd_ < 0 || failed_) return false;
     const auto* p = static_cast<const char*>(data);
@@ -100,6 +114,14 @@ bool SafeFileWriter::write(const void* data, std::size_t bytes) {
         }
         p += n;
         bytes -= std::size_t(n);
+        written_ += std::size_t(n);
+    }
+    // Let the disk start on what is written while more is coming, so the final flush has
+    // little left to wait for.
+    if (durable_ && written_ - flushStarted_ >= kFlushStep) {
+        (void)::sync_file_range(fd_, off_t(flushStarted_), off_t(written_ - flushStarted_),
+                                SYNC_FILE_RANGE_WRITE);
+        flushStarted_ = written_;
     }
     return true;
 }

@@ -11,9 +11,10 @@
 namespace orv {
 
 // The system calls the writer goes through. Tests swap them to make a disk "full" after a
-// number of bytes, or to make the flush, the close or the rename fail.
+// number of bytes, or to make the reservation, the flush, the close or the rename fail.
 struct FileOps {
     ssize_t (*write)(int fd, const void* data, std::size_t bytes);
+    int (*fallocate)(int fd, off_t offset, off_t bytes);  // posix_fallocate: returns the error
     int (*fsync)(int fd);
     int (*close)(int fd);
     int (*rename)(const char* from, const char* to);
@@ -32,13 +33,19 @@ public:
 
     // Creates the temporary beside `target` (a symbolic link is followed, so the file it
     // points to is the one replaced). False when the folder cannot take a new file.
-    bool open(const std::string& target);
+    // `durable` false: the file is thrown away soon (play and record files) and is not
+    // flushed to disk before it replaces the old one.
+    bool open(const std::string& target, bool durable = true);
+    // Claims disk space for the whole file up front, so a full disk is known before any
+    // writing. False (and the writer failed) only when the space is not there.
+    bool reserve(std::size_t bytes);
     // Appends bytes. Once a write has failed every later call fails too.
     bool write(const void* data, std::size_t bytes);
-    // Flushes to disk (unless `durable` is false: files that are thrown away soon need no
-    // flush), closes and renames over the target. False on any failure; the temporary is
-    // then gone and the target untouched.
-    bool commit(bool durable = true);
+    // Flushes to disk (when durable), closes and renames over the target. False on any
+    // failure; the temporary is then gone and the target untouched.
+    bool commit() { return commit(durable_); }
+    // The same, choosing here whether to flush.
+    bool commit(bool durable);
     // Closes and removes the temporary; the target is untouched.
     void abandon();
 
@@ -48,6 +55,9 @@ public:
 private:
     int fd_ = -1;
     bool failed_ = false;
+    bool durable_ = true;
+    std::size_t written_ = 0;
+    std::size_t flushStarted_ = 0;  // bytes handed to the disk ahead of the final flush
     FileOps ops_{};
     std::string target_;
     std::string temp_;

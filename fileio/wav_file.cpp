@@ -260,7 +260,8 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
     if (dataSize > std::numeric_limits<std::uint32_t>::max() - 32u) return false;
 
     SafeFileWriter file;
-    if (!file.open(fileName)) return false;
+    if (!file.open(fileName, !temporary)) return false;
+    if (!file.reserve(kWavHeaderSize + dataSize)) return false;
     const WavHeader header = makeWavHeader(std::uint16_t(channels), freq,
                                            std::uint16_t(bytesPSample), std::uint32_t(dataSize));
     if (!file.write(header.data(), header.size())) return false;
@@ -291,7 +292,7 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
             pos += m;
         }
     }
-    return file.commit(!temporary);
+    return file.commit();
 }
 
 }  // namespace orv

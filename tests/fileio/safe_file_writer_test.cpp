@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -26,7 +27,8 @@ using Bytes = std::vector<std::uint8_t>;
 // on request. Counts the flushes.
 struct Faults {
     static inline long budget = -1;  // -1: unlimited
-    static inline bool failFsync = false, failClose = false, failRename = false;
+    static inline bool failReserve = false, failFsync = false, failClose = false,
+                       failRename = false;
     static inline int fsyncs = 0;
 
     static ssize_t write(int fd, const void* data, std::size_t bytes) {
@@ -39,6 +41,9 @@ struct Faults {
             budget -= long(bytes);
         }
         return ::write(fd, data, bytes);
+    }
+    static int fallocate(int fd, off_t offset, off_t bytes) {
+        return failReserve ? ENOSPC : ::posix_fallocate(fd, offset, bytes);
     }
     static int fsync(int fd) {
         ++fsyncs;
@@ -73,10 +78,10 @@ protected:
         dir = tmpl;
         path = dir + "/song.wav";
         Faults::budget = -1;
-        Faults::failFsync = Faults::failClose = Faults::failRename = false;
+        Faults::failReserve = Faults::failFsync = Faults::failClose = Faults::failRename = false;
         Faults::fsyncs = 0;
-        previous = setFileOps(FileOps{Faults::write, Faults::fsync, Faults::close,
-                                      Faults::rename});
+        previous = setFileOps(FileOps{Faults::write, Faults::fallocate, Faults::fsync,
+                                      Faults::close, Faults::rename});
 
         // The file a failed save must leave alone.
         old.assign(1000, 0);
@@ -126,7 +131,11 @@ TEST_F(SafeSave, DiskFullAtAnyPointLeavesTheOldFile) {
     EXPECT_EQ(fs::file_size(path), 20044u);
 }
 
-TEST_F(SafeSave, FailingFlushCloseOrRenameLeavesTheOldFile) {
+TEST_F(SafeSave, FailingReserveFlushCloseOrRenameLeavesTheOldFile) {
+    Faults::failReserve = true;  // the disk cannot hold the new file at all
+    EXPECT_FALSE(save());
+    expectOldFileAlone();
+    Faults::failReserve = false;
     Faults::failFsync = true;
     EXPECT_FALSE(save());
     expectOldFileAlone();

@@ -115,7 +115,9 @@ std::string pointerText(const void* p) {
 }
 
 // end -1 stands for the end of the wave.
-std::int32_t resolvedEnd(const Wave* w, std::int32_t end) { return end == -1 ? w->getValues() : end; }
+std::int32_t resolvedEnd(const Wave* w, std::int32_t end) {
+    return end == -1 ? w->getValues() : end;
+}
 
 // A wave of `count` samples of one value.
 WavePtr constantWave(CancelFlag& cancel, std::int32_t count, WaveVal value) {
@@ -398,7 +400,8 @@ double maxFactor(const Sound& s, CancelFlag* cancel, std::int32_t begin, std::in
                  double target) {
     const Channels ch = channelsOf(s);
     std::int32_t peak = 0;
-    for (int i = 0; i < ch.count; ++i) peak = std::max(peak, ch.wave[i]->maxAbs(*cancel, begin, end));
+    for (int i = 0; i < ch.count; ++i)
+        peak = std::max(peak, ch.wave[i]->maxAbs(*cancel, begin, end));
     return peak == 0 ? 0.0 : target / peak;
 }
 

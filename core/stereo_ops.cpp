@@ -105,7 +105,8 @@ WavePtr timeShift(CancelFlag& cancel, const Wave& wave, std::int32_t freq, doubl
 
 // A copy that is never null unless cancelled (an empty input gives an empty wave).
 WavePtr plainCopy(CancelFlag& cancel, const Wave& wave) {
-    if (wave.getValues() == 0) return isCancelled(cancel) ? nullptr : WavePtr(new (std::nothrow) Wave());
+    if (wave.getValues() == 0)
+        return isCancelled(cancel) ? nullptr : WavePtr(new (std::nothrow) Wave());
     return copyWave(cancel, &wave);
 }
 

@@ -70,9 +70,7 @@ void StereoSound::Dump() const {
 
 std::int32_t StereoSound::GetValues() const { return WaveLeft ? WaveLeft->getValues() : 0; }
 
-long double StereoSound::GetTime() const {
-    return static_cast<long double>(GetValues()) / Freq;
-}
+long double StereoSound::GetTime() const { return static_cast<long double>(GetValues()) / Freq; }
 
 Wave* StereoSound::GetMonoWave(CancelFlag* cancel, bool& isNew) const {
     isNew = true;
@@ -83,8 +81,7 @@ Wave* StereoSound::GetLeftWave() const { return WaveLeft; }
 
 Wave* StereoSound::GetRightWave() const { return WaveRight; }
 
-Wave* StereoSound::GetMonoWaveAtFreq(CancelFlag* cancel, std::int32_t freq,
-                                     bool& isNew) const {
+Wave* StereoSound::GetMonoWaveAtFreq(CancelFlag* cancel, std::int32_t freq, bool& isNew) const {
     Wave* mono = GetMonoWave(cancel, isNew);
     isNew = true;
     if (freq == Freq || !mono) return mono;
@@ -93,22 +90,19 @@ Wave* StereoSound::GetMonoWaveAtFreq(CancelFlag* cancel, std::int32_t freq,
     return r;
 }
 
-Wave* StereoSound::GetLeftWaveAtFreq(CancelFlag* cancel, std::int32_t freq,
-                                     bool& isNew) const {
+Wave* StereoSound::GetLeftWaveAtFreq(CancelFlag* cancel, std::int32_t freq, bool& isNew) const {
     isNew = freq != Freq;
     if (!isNew) return WaveLeft;
     return resampleRange(cancel, WaveLeft, freq, Freq);
 }
 
-Wave* StereoSound::GetRightWaveAtFreq(CancelFlag* cancel, std::int32_t freq,
-                                      bool& isNew) const {
+Wave* StereoSound::GetRightWaveAtFreq(CancelFlag* cancel, std::int32_t freq, bool& isNew) const {
     isNew = freq != Freq;
     if (!isNew) return WaveRight;
     return resampleRange(cancel, WaveRight, freq, Freq);
 }
 
-Wave* StereoSound::GetMiddleWaveAtFreq(CancelFlag* cancel, std::int32_t freq,
-                                       bool& isNew) const {
+Wave* StereoSound::GetMiddleWaveAtFreq(CancelFlag* cancel, std::int32_t freq, bool& isNew) const {
     return GetMonoWaveAtFreq(cancel, freq, isNew);
 }
 
@@ -136,55 +130,79 @@ void StereoSound::MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std:
 
 // ---- editing operations: the shared bodies ---------------------------------------------
 
-SoundPtr StereoSound::Up(CancelFlag* cancel, WaveVal value, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Up(CancelFlag* cancel, WaveVal value, std::int32_t begin,
+                         std::int32_t& end) const {
     return Sound::Up(cancel, value, begin, end);
 }
 
-SoundPtr StereoSound::Block(CancelFlag* cancel, double blockTime, std::int32_t verticalCount, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Block(CancelFlag* cancel, double blockTime, std::int32_t verticalCount,
+                            std::int32_t begin, std::int32_t& end) const {
     return Sound::Block(cancel, blockTime, verticalCount, begin, end);
 }
 
-SoundPtr StereoSound::MakeSilence(CancelFlag* cancel, double seconds, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::MakeSilence(CancelFlag* cancel, double seconds, std::int32_t& begin,
+                                  std::int32_t& end) const {
     return Sound::MakeSilence(cancel, seconds, begin, end);
 }
 
-SoundPtr StereoSound::MakeSilenceValues(CancelFlag* cancel, double count, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::MakeSilenceValues(CancelFlag* cancel, double count, std::int32_t& begin,
+                                        std::int32_t& end) const {
     return Sound::MakeSilenceValues(cancel, count, begin, end);
 }
 
-SoundPtr StereoSound::MakeLine(CancelFlag* cancel, WaveVal first, WaveVal last, double seconds, bool exponential, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::MakeLine(CancelFlag* cancel, WaveVal first, WaveVal last, double seconds,
+                               bool exponential, std::int32_t begin, std::int32_t& end) const {
     return Sound::MakeLine(cancel, first, last, seconds, exponential, begin, end);
 }
 
-SoundPtr StereoSound::MakeBlockTriangle(CancelFlag* cancel, WaveVal first, WaveVal second, double period, double middle, double seconds, double startPhase, bool triangle, std::int32_t begin, std::int32_t& end) const {
-    return Sound::MakeBlockTriangle(cancel, first, second, period, middle, seconds, startPhase, triangle, begin, end);
+SoundPtr StereoSound::MakeBlockTriangle(CancelFlag* cancel, WaveVal first, WaveVal second,
+                                        double period, double middle, double seconds,
+                                        double startPhase, bool triangle, std::int32_t begin,
+                                        std::int32_t& end) const {
+    return Sound::MakeBlockTriangle(cancel, first, second, period, middle, seconds, startPhase,
+                                    triangle, begin, end);
 }
 
-SoundPtr StereoSound::MakeBlockTriangleEnv(CancelFlag* cancel, WaveVal first, WaveVal second, double period, const Sound* middleEnvelope, double seconds, double startPhase, bool triangle, std::int32_t begin, std::int32_t& end) const {
-    return Sound::MakeBlockTriangleEnv(cancel, first, second, period, middleEnvelope, seconds, startPhase, triangle, begin, end);
+SoundPtr StereoSound::MakeBlockTriangleEnv(CancelFlag* cancel, WaveVal first, WaveVal second,
+                                           double period, const Sound* middleEnvelope,
+                                           double seconds, double startPhase, bool triangle,
+                                           std::int32_t begin, std::int32_t& end) const {
+    return Sound::MakeBlockTriangleEnv(cancel, first, second, period, middleEnvelope, seconds,
+                                       startPhase, triangle, begin, end);
 }
 
-SoundPtr StereoSound::MakeSinus(CancelFlag* cancel, WaveVal high, WaveVal low, double period, double count, double startAngle, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::MakeSinus(CancelFlag* cancel, WaveVal high, WaveVal low, double period,
+                                double count, double startAngle, std::int32_t begin,
+                                std::int32_t& end) const {
     return Sound::MakeSinus(cancel, high, low, period, count, startAngle, begin, end);
 }
 
-SoundPtr StereoSound::MakeNoise(CancelFlag* cancel, WaveVal volume, double seconds, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::MakeNoise(CancelFlag* cancel, WaveVal volume, double seconds,
+                                std::int32_t begin, std::int32_t& end) const {
     return Sound::MakeNoise(cancel, volume, seconds, begin, end);
 }
 
-SoundPtr StereoSound::MakeMFreq(CancelFlag* cancel, double seconds, const Sound* form, std::int32_t freqCount, const double* volume, const double* period, const double* startAngle, const double* factor, std::int32_t begin, std::int32_t& end) const {
-    return Sound::MakeMFreq(cancel, seconds, form, freqCount, volume, period, startAngle, factor, begin, end);
+SoundPtr StereoSound::MakeMFreq(CancelFlag* cancel, double seconds, const Sound* form,
+                                std::int32_t freqCount, const double* volume, const double* period,
+                                const double* startAngle, const double* factor, std::int32_t begin,
+                                std::int32_t& end) const {
+    return Sound::MakeMFreq(cancel, seconds, form, freqCount, volume, period, startAngle, factor,
+                            begin, end);
 }
 
-SoundPtr StereoSound::MakeMFreqCount(CancelFlag* cancel, double seconds, const Sound* form, std::int32_t count, const MFreqPartial* partials, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::MakeMFreqCount(CancelFlag* cancel, double seconds, const Sound* form,
+                                     std::int32_t count, const MFreqPartial* partials,
+                                     std::int32_t begin, std::int32_t& end) const {
     return Sound::MakeMFreqCount(cancel, seconds, form, count, partials, begin, end);
 }
 
-void StereoSound::DrawLine(CancelFlag* cancel, std::int32_t begin, WaveVal beginValue, std::int32_t end, WaveVal endValue) {
+void StereoSound::DrawLine(CancelFlag* cancel, std::int32_t begin, WaveVal beginValue,
+                           std::int32_t end, WaveVal endValue) {
     Sound::DrawLine(cancel, begin, beginValue, end, endValue);
 }
 
-SoundPtr StereoSound::Length(CancelFlag* cancel, double factor, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Length(CancelFlag* cancel, double factor, std::int32_t begin,
+                             std::int32_t& end) const {
     return Sound::Length(cancel, factor, begin, end);
 }
 
@@ -192,31 +210,39 @@ SoundPtr StereoSound::Resample(CancelFlag* cancel, double factor) const {
     return Sound::Resample(cancel, factor);
 }
 
-SoundPtr StereoSound::RollOutEnv(CancelFlag* cancel, const Sound* speedEnvelope, double speed, double lengthFactor, double startPos, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::RollOutEnv(CancelFlag* cancel, const Sound* speedEnvelope, double speed,
+                                 double lengthFactor, double startPos, std::int32_t begin,
+                                 std::int32_t& end) const {
     return Sound::RollOutEnv(cancel, speedEnvelope, speed, lengthFactor, startPos, begin, end);
 }
 
-SoundPtr StereoSound::RollOut(CancelFlag* cancel, double speed, double lengthFactor, double startPos, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::RollOut(CancelFlag* cancel, double speed, double lengthFactor,
+                              double startPos, std::int32_t begin, std::int32_t& end) const {
     return Sound::RollOut(cancel, speed, lengthFactor, startPos, begin, end);
 }
 
-SoundPtr StereoSound::RollIn(CancelFlag* cancel, double seconds, double targetSeconds, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::RollIn(CancelFlag* cancel, double seconds, double targetSeconds,
+                             std::int32_t begin, std::int32_t& end) const {
     return Sound::RollIn(cancel, seconds, targetSeconds, begin, end);
 }
 
-SoundPtr StereoSound::Rotate(CancelFlag* cancel, double seconds, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Rotate(CancelFlag* cancel, double seconds, std::int32_t begin,
+                             std::int32_t& end) const {
     return Sound::Rotate(cancel, seconds, begin, end);
 }
 
-SoundPtr StereoSound::Volume(CancelFlag* cancel, double factor, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Volume(CancelFlag* cancel, double factor, std::int32_t begin,
+                             std::int32_t& end) const {
     return Sound::Volume(cancel, factor, begin, end);
 }
 
-void StereoSound::VolumeInPlace(CancelFlag* cancel, double factor, std::int32_t begin, std::int32_t& end) {
+void StereoSound::VolumeInPlace(CancelFlag* cancel, double factor, std::int32_t begin,
+                                std::int32_t& end) {
     Sound::VolumeInPlace(cancel, factor, begin, end);
 }
 
-SoundPtr StereoSound::VolumeEnv(CancelFlag* cancel, const Sound* envelope, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::VolumeEnv(CancelFlag* cancel, const Sound* envelope, std::int32_t begin,
+                                std::int32_t& end) const {
     return Sound::VolumeEnv(cancel, envelope, begin, end);
 }
 
@@ -224,7 +250,8 @@ SoundPtr StereoSound::MaxVolume(CancelFlag* cancel, std::int32_t begin, std::int
     return Sound::MaxVolume(cancel, begin, end);
 }
 
-SoundPtr StereoSound::MaxVolumeSoft(CancelFlag* cancel, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::MaxVolumeSoft(CancelFlag* cancel, std::int32_t begin,
+                                    std::int32_t& end) const {
     return Sound::MaxVolumeSoft(cancel, begin, end);
 }
 
@@ -232,23 +259,28 @@ void StereoSound::MaxVolumeSoftInPlace(CancelFlag* cancel, std::int32_t begin, s
     Sound::MaxVolumeSoftInPlace(cancel, begin, end);
 }
 
-SoundPtr StereoSound::MixAlignBegin(CancelFlag* cancel, const Sound* other, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::MixAlignBegin(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
+                                    std::int32_t& end) const {
     return Sound::MixAlignBegin(cancel, other, begin, end);
 }
 
-SoundPtr StereoSound::MixAlignEnd(CancelFlag* cancel, const Sound* other, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::MixAlignEnd(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
+                                  std::int32_t& end) const {
     return Sound::MixAlignEnd(cancel, other, begin, end);
 }
 
-SoundPtr StereoSound::MixStretch(CancelFlag* cancel, const Sound* other, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::MixStretch(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
+                                 std::int32_t& end) const {
     return Sound::MixStretch(cancel, other, begin, end);
 }
 
-void StereoSound::MixCycleAt(CancelFlag* cancel, const Sound* other, double seconds, double factor) {
+void StereoSound::MixCycleAt(CancelFlag* cancel, const Sound* other, double seconds,
+                             double factor) {
     Sound::MixCycleAt(cancel, other, seconds, factor);
 }
 
-void StereoSound::MixCycle(CancelFlag* cancel, const Sound* other, std::int32_t after, double factor) {
+void StereoSound::MixCycle(CancelFlag* cancel, const Sound* other, std::int32_t after,
+                           double factor) {
     Sound::MixCycle(cancel, other, after, factor);
 }
 
@@ -260,15 +292,14 @@ SoundPtr StereoSound::Remove(CancelFlag* cancel, std::int32_t begin, std::int32_
     return Sound::Remove(cancel, begin, end);
 }
 
-SoundPtr StereoSound::NewEmpty(CancelFlag* cancel) const {
-    return Sound::NewEmpty(cancel);
-}
+SoundPtr StereoSound::NewEmpty(CancelFlag* cancel) const { return Sound::NewEmpty(cancel); }
 
 SoundPtr StereoSound::CopyRange(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const {
     return Sound::CopyRange(cancel, begin, end);
 }
 
-SoundPtr StereoSound::Insert(CancelFlag* cancel, const Sound* other, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Insert(CancelFlag* cancel, const Sound* other, std::int32_t begin,
+                             std::int32_t& end) const {
     return Sound::Insert(cancel, other, begin, end);
 }
 
@@ -276,64 +307,98 @@ SoundPtr StereoSound::Reverse(CancelFlag* cancel, std::int32_t begin, std::int32
     return Sound::Reverse(cancel, begin, end);
 }
 
-SoundPtr StereoSound::Distort(CancelFlag* cancel, const Sound* curve, std::int32_t begin, std::int32_t& end) const {
+SoundPtr StereoSound::Distort(CancelFlag* cancel, const Sound* curve, std::int32_t begin,
+                              std::int32_t& end) const {
     return Sound::Distort(cancel, curve, begin, end);
 }
 
-SoundPtr StereoSound::ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds, double factor, int countBer, int countCmd, std::int32_t begin, std::int32_t end) const {
+SoundPtr StereoSound::ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds,
+                                  double factor, int countBer, int countCmd, std::int32_t begin,
+                                  std::int32_t end) const {
     return Sound::ApplyFilter(cancel, filter, seconds, factor, countBer, countCmd, begin, end);
 }
 
-SoundPtr StereoSound::ApplyFilterEnv(CancelFlag* cancel, PassFilterEnv filter, const Sound* envelope, double factor, int countBer, int countCmd, std::int32_t begin, std::int32_t end) const {
+SoundPtr StereoSound::ApplyFilterEnv(CancelFlag* cancel, PassFilterEnv filter,
+                                     const Sound* envelope, double factor, int countBer,
+                                     int countCmd, std::int32_t begin, std::int32_t end) const {
     return Sound::ApplyFilterEnv(cancel, filter, envelope, factor, countBer, countCmd, begin, end);
 }
 
-SoundPtr StereoSound::PerEcho(CancelFlag* cancel, double seconds, double volumeFactor, std::int32_t count, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::PerEcho(CancelFlag* cancel, double seconds, double volumeFactor,
+                              std::int32_t count, std::int32_t& begin, std::int32_t& end) const {
     return Sound::PerEcho(cancel, seconds, volumeFactor, count, begin, end);
 }
 
-SoundPtr StereoSound::PerEchoEnv(CancelFlag* cancel, double seconds, const Sound* volumeEnvelope, std::int32_t count, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::PerEchoEnv(CancelFlag* cancel, double seconds, const Sound* volumeEnvelope,
+                                 std::int32_t count, std::int32_t& begin, std::int32_t& end) const {
     return Sound::PerEchoEnv(cancel, seconds, volumeEnvelope, count, begin, end);
 }
 
-SoundPtr StereoSound::PerEchoTime(CancelFlag* cancel, double seconds, const Sound* timeEnvelope, double volumeFactor, std::int32_t count, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::PerEchoTime(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
+                                  double volumeFactor, std::int32_t count, std::int32_t& begin,
+                                  std::int32_t& end) const {
     return Sound::PerEchoTime(cancel, seconds, timeEnvelope, volumeFactor, count, begin, end);
 }
 
-SoundPtr StereoSound::PerEchoTimeEnv(CancelFlag* cancel, double seconds, const Sound* timeEnvelope, const Sound* volumeEnvelope, std::int32_t count, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::PerEchoTimeEnv(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
+                                     const Sound* volumeEnvelope, std::int32_t count,
+                                     std::int32_t& begin, std::int32_t& end) const {
     return Sound::PerEchoTimeEnv(cancel, seconds, timeEnvelope, volumeEnvelope, count, begin, end);
 }
 
-SoundPtr StereoSound::FilterBlock(CancelFlag* cancel, double seconds, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::FilterBlock(CancelFlag* cancel, double seconds, std::int32_t& begin,
+                                  std::int32_t& end) const {
     return Sound::FilterBlock(cancel, seconds, begin, end);
 }
 
-SoundPtr StereoSound::FilterBlockEnv(CancelFlag* cancel, double maxSeconds, const Sound* envelope, std::int32_t& begin, std::int32_t& end) const {
+SoundPtr StereoSound::FilterBlockEnv(CancelFlag* cancel, double maxSeconds, const Sound* envelope,
+                                     std::int32_t& begin, std::int32_t& end) const {
     return Sound::FilterBlockEnv(cancel, maxSeconds, envelope, begin, end);
 }
 
-SoundPtr StereoSound::TempoPitchEcho(CancelFlag* cancel, double speed, double lengthFactor, double pitchStep, double blockSeconds, bool highQuality) const {
+SoundPtr StereoSound::TempoPitchEcho(CancelFlag* cancel, double speed, double lengthFactor,
+                                     double pitchStep, double blockSeconds,
+                                     bool highQuality) const {
     return Sound::TempoPitchEcho(cancel, speed, lengthFactor, pitchStep, blockSeconds, highQuality);
 }
 
-SoundPtr StereoSound::TempoPitch(CancelFlag* cancel, double speed, double startPos, double lengthFactor, double pitchStep, double blockSeconds, bool highQuality, std::int32_t begin, std::int32_t& end) const {
-    return Sound::TempoPitch(cancel, speed, startPos, lengthFactor, pitchStep, blockSeconds, highQuality, begin, end);
+SoundPtr StereoSound::TempoPitch(CancelFlag* cancel, double speed, double startPos,
+                                 double lengthFactor, double pitchStep, double blockSeconds,
+                                 bool highQuality, std::int32_t begin, std::int32_t& end) const {
+    return Sound::TempoPitch(cancel, speed, startPos, lengthFactor, pitchStep, blockSeconds,
+                             highQuality, begin, end);
 }
 
-SoundPtr StereoSound::TempoPitchEnv1(CancelFlag* cancel, double speed, const Sound* speedEnvelope, double startPos, double lengthFactor, double pitchStep, double blockSeconds, std::int32_t begin, std::int32_t& end) const {
-    return Sound::TempoPitchEnv1(cancel, speed, speedEnvelope, startPos, lengthFactor, pitchStep, blockSeconds, begin, end);
+SoundPtr StereoSound::TempoPitchEnv1(CancelFlag* cancel, double speed, const Sound* speedEnvelope,
+                                     double startPos, double lengthFactor, double pitchStep,
+                                     double blockSeconds, std::int32_t begin,
+                                     std::int32_t& end) const {
+    return Sound::TempoPitchEnv1(cancel, speed, speedEnvelope, startPos, lengthFactor, pitchStep,
+                                 blockSeconds, begin, end);
 }
 
-SoundPtr StereoSound::TempoPitchEnv2(CancelFlag* cancel, double speed, double startPos, double lengthFactor, double pitchStep, const Sound* pitchEnvelope, double blockSeconds, std::int32_t begin, std::int32_t& end) const {
-    return Sound::TempoPitchEnv2(cancel, speed, startPos, lengthFactor, pitchStep, pitchEnvelope, blockSeconds, begin, end);
+SoundPtr StereoSound::TempoPitchEnv2(CancelFlag* cancel, double speed, double startPos,
+                                     double lengthFactor, double pitchStep,
+                                     const Sound* pitchEnvelope, double blockSeconds,
+                                     std::int32_t begin, std::int32_t& end) const {
+    return Sound::TempoPitchEnv2(cancel, speed, startPos, lengthFactor, pitchStep, pitchEnvelope,
+                                 blockSeconds, begin, end);
 }
 
-SoundPtr StereoSound::TempoPitchEnv3(CancelFlag* cancel, double speed, const Sound* speedEnvelope, double startPos, double lengthFactor, double pitchStep, const Sound* pitchEnvelope, double blockSeconds, std::int32_t begin, std::int32_t& end) const {
-    return Sound::TempoPitchEnv3(cancel, speed, speedEnvelope, startPos, lengthFactor, pitchStep, pitchEnvelope, blockSeconds, begin, end);
+SoundPtr StereoSound::TempoPitchEnv3(CancelFlag* cancel, double speed, const Sound* speedEnvelope,
+                                     double startPos, double lengthFactor, double pitchStep,
+                                     const Sound* pitchEnvelope, double blockSeconds,
+                                     std::int32_t begin, std::int32_t& end) const {
+    return Sound::TempoPitchEnv3(cancel, speed, speedEnvelope, startPos, lengthFactor, pitchStep,
+                                 pitchEnvelope, blockSeconds, begin, end);
 }
 
-SoundPtr StereoSound::ApplyResonantFilter(CancelFlag* cancel, const ResonatorFamily& family, double period, double width, const Sound* freqEnvelope, const Sound* widthEnvelope, std::int32_t begin, std::int32_t end) const {
-    return Sound::ApplyResonantFilter(cancel, family, period, width, freqEnvelope, widthEnvelope, begin, end);
+SoundPtr StereoSound::ApplyResonantFilter(CancelFlag* cancel, const ResonatorFamily& family,
+                                          double period, double width, const Sound* freqEnvelope,
+                                          const Sound* widthEnvelope, std::int32_t begin,
+                                          std::int32_t end) const {
+    return Sound::ApplyResonantFilter(cancel, family, period, width, freqEnvelope, widthEnvelope,
+                                      begin, end);
 }
 
 }  // namespace orv

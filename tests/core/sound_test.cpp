@@ -326,6 +326,28 @@ TEST_F(SoundTest, PeriodsStayUntruncated) {
     EXPECT_EQ(vals(r->GetLeftWave()), (Vals{5, 5, 30, 30, 30, 55, 55, 80, 80, 80}));
 }
 
+TEST_F(SoundTest, RollInTakesALengthAndAPosition) {
+    // 0.0029 s: a loop of trunc(2.9 + 1) = 3 samples; 0.0019 s: writing starts at 1.
+    std::int32_t end = -1;
+    auto r = mono({1, 2, 3, 4, 5, 6})->RollIn(c, 0.0029, 0.0019, 0, end);
+    EXPECT_EQ(vals(r->GetLeftWave()), (Vals{3 + 6, 1 + 4, 2 + 5}));
+    EXPECT_EQ(end, 3);
+}
+
+TEST_F(SoundTest, GeneratedLengthsAndEchoTimes) {
+    std::int32_t end = 0;
+    auto line = MonoSound(1000).MakeLine(c, 0, 300, 0.0025, false, 0, end);
+    EXPECT_EQ(vals(line->GetLeftWave()), (Vals{0, 150, 300}));
+    EXPECT_EQ(end, 3);
+    // An echo 1.5 samples late: read half-way between samples.
+    std::int32_t begin = 0;
+    end = 4;
+    auto echo = mono({0, 100, 0, 0})->PerEcho(c, 0.0015, 1.0, 1, begin, end);
+    EXPECT_EQ(vals(echo->GetLeftWave()), (Vals{0, 100, 50, 50, 0, 0}));
+    EXPECT_EQ(begin, 0);
+    EXPECT_EQ(end, 6);
+}
+
 // Filters are handed in by the caller: check what the sound passes on.
 struct FilterCall {
     const Wave* wave;

@@ -132,6 +132,10 @@ TEST(LowHighPass, EnvelopeSetsThePeriodPerSample) {
               (Ints{15, 507, 999}));
     EXPECT_EQ(samples(*HighPassEnv(three.get(), c, ramp.get(), 0.6, 1, 1, 5960.94, 0, 3)),
               (Ints{983, 491, 0}));
+    // the envelope is stretched over the range, not over the wave
+    auto framed = makeWave({5, 999, 999, 999, 6});
+    EXPECT_EQ(samples(*LowPassEnv(framed.get(), c, ramp.get(), 0.6, 1, 1, 5960.94, 1, 4)),
+              (Ints{5, 15, 507, 999, 6}));
     // each pass reads the envelope from its start again
     EXPECT_EQ(samples(*LowPassEnv(three.get(), c, ramp.get(), 0.6, 1, 2, 5960.94, 0, 3)),
               (Ints{0, 253, 999}));

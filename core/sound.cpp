@@ -471,6 +471,10 @@ SoundPtr Sound::MixStretch(CancelFlag* cancel, const Sound* other, std::int32_t&
                          if (!o.get()) return nullptr;
                          e = resolvedEnd(w, e);
                          if (o.get()->getValues() == 0) return copyWave(*cancel, w);
+                         if (e <= b) {  // nothing to stretch over: all of it at begin
+                             e = b + o.get()->getValues();
+                             return w->mixAt(*cancel, o.get(), b, -1, false);
+                         }
                          WavePtr stretched = o.get()->stretchWhole(*cancel, e - b, false);
                          if (!stretched) return nullptr;
                          return w->mixAt(*cancel, stretched.get(), b, -1, false);

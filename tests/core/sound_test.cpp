@@ -540,6 +540,23 @@ TEST_F(SoundTest, MixAlignedAtBeginOrEnd) {
     EXPECT_EQ(end, 4);
 }
 
+TEST_F(SoundTest, MixStretchedOverTheRange) {
+    auto st = stereo({1, 1, 1, 1, 1}, {2, 2, 2, 2, 2});
+    std::int32_t begin = 1, end = 5;
+    auto r = st->MixStretch(c, mono({0, 100}).get(), begin, end);
+    const Vals l = left(r), rr = right(r);
+    ASSERT_EQ(l.size(), 5u);
+    EXPECT_EQ(Vals(l.begin(), l.begin() + 4), (Vals{1, 1, 51, 101}));
+    EXPECT_EQ(Vals(rr.begin(), rr.begin() + 4), (Vals{2, 2, 52, 102}));
+    EXPECT_EQ(begin, 1);
+    EXPECT_EQ(end, 5);
+    // An empty range mixes all of the other sound in at begin.
+    begin = end = 4;
+    auto e = st->MixStretch(c, mono({0, 100}).get(), begin, end);
+    EXPECT_EQ(left(e), (Vals{1, 1, 1, 1, 1, 100}));
+    EXPECT_EQ(end, 6);
+}
+
 TEST_F(SoundTest, CyclicMixWrapsToTheStartAndLogs) {
     test::RecordingPlatformScope rec;
     auto m = mono({1, 2, 3, 4});

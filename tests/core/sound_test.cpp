@@ -268,6 +268,23 @@ TEST_F(SoundTest, ACancelledOperationGivesNoSound) {
     EXPECT_EQ(st->CopyRange(c, 0, 1), nullptr);
 }
 
+void raiseOnSecondChunk(void* ctx, std::int32_t, std::int32_t) {
+    auto* state = static_cast<std::pair<CancelFlag*, int>*>(ctx);
+    if (++state->second == 2) setCancelled(*state->first);
+}
+
+TEST_F(SoundTest, CancelDuringTheLeftChannelDropsBothChannels) {
+    auto st = stereo(Vals(2500, 100), Vals(2500, 200));
+    std::pair<CancelFlag*, int> state{&cancel, 0};
+    setChunkHook(raiseOnSecondChunk, &state);
+    std::int32_t end = -1;
+    auto r = st->Volume(c, 2.0, 0, end);
+    setChunkHook(nullptr, nullptr);
+    EXPECT_EQ(r, nullptr);
+    EXPECT_EQ(left(st)[2499], 100);
+    EXPECT_EQ(right(st)[0], 200);
+}
+
 TEST_F(SoundTest, RemoveAndCopyRange) {
     auto st = stereo({1, 2, 3, 4}, {5, 6, 7, 8}, 4000);
     auto all = st->Remove(c, 0, 4);

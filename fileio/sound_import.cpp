@@ -1,0 +1,344 @@
+#include "fileio/sound_import.h"
+
+#include <sndfile.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "core/platform.h"
+#include "core/wave.h"
+#include "fileio/wav_format.h"
+
+namespace orv {
+
+namespace {
+
+// Frames asked of libsndfile at a time: big enough that the per-call cost vanishes, small
+// enough that a stereo block (256 KB) stays in the cache while it is split into channels.
+constexpr std::int32_t kBlockFrames = 1 << 16;
+
+class SndFileCloser {
+public:
+    explicit SndFileCloser(SNDFILE* f) : f_(f) {}
+    ~SndFileCloser() {
+        if (f_) sf_close(f_);
+    }
+    SndFileCloser(const SndFileCloser&) = delete;
+    SndFileCloser& operator=(const SndFileCloser&) = delete;
+
+private:
+    SNDFILE* f_;
+};
+
+// One or two channels of sample storage that grows when a file turns out longer than its
+// header said (or did not say).
+class ChannelStore {
+public:
+    explicit ChannelStore(int channels) : channels_(channels) {}
+    ~ChannelStore() {
+        for (WaveVal* c : data_) freeSamples(c);
+    }
+    ChannelStore(const ChannelStore&) = delete;
+    ChannelStore& operator=(const ChannelStore&) = delete;
+
+    std::int32_t capacity() const { return capacity_; }
+    WaveVal* channel(int i) { return data_[i]; }
+
+    // Room for `capacity` samples per channel, keeping the first `kept`. False when the
+    // storage cannot be had; the old storage is then still there.
+    bool resize(std::int32_t capacity, std::int32_t kept) {
+        WaveVal* fresh[2] = {nullptr, nullptr};
+        for (int i = 0; i < channels_; ++i) {
+            fresh[i] = allocateSamples(capacity);
+            if (!fresh[i]) {
+                freeSamples(fresh[0]);
+                return false;
+            }
+            if (kept > 0) std::memcpy(fresh[i], data_[i], std::size_t(kept) * sizeof(WaveVal));
+            freeSamples(data_[i]);
+            data_[i] = fresh[i];
+        }
+        capacity_ = capacity;
+        return true;
+    }
+
+    // Hands channel i over as a wave of `count` samples. Storage much larger than needed is
+    // traded for an exact copy when one can be had.
+    WavePtr release(int i, std::int32_t count) {
+        WaveVal* block = data_[i];
+        data_[i] = nullptr;
+        if (count == 0) {
+            freeSamples(block);
+            return std::make_unique<Wave>();
+        }
+        if (capacity_ - count > capacity_ / 8) {
+            if (WaveVal* exact = allocateSamples(count)) {
+                std::memcpy(exact, block, std::size_t(count) * sizeof(WaveVal));
+                freeSamples(block);
+                block = exact;
+            }
+        }
+        return std::make_unique<Wave>(block, count);
+    }
+
+private:
+    int channels_;
+    std::int32_t capacity_ = 0;
+    WaveVal* data_[2] = {nullptr, nullptr};
+};
+
+bool noMemory(std::string& reason, CancelFlag* cancel) {
+    showMessage(kMemoryCaption, kMemoryMessage);
+    if (cancel) setCancelled(*cancel);
+    reason = kMemoryMessage;
+    return false;
+}
+
+bool damaged(SNDFILE* file, std::string& reason) {
+    reason = sf_strerror(file);
+    return false;
+}
+
+// A float sample (full scale +-1.0) as a 16-bit one: times 32768, rounded to the nearest
+// (ties to even, as libsndfile rounds), clipped. So v / 32768, which is how 16-bit samples
+// are exported as float, comes back as v.
+WaveVal floatToSample(float x) {
+    const double scaled = std::nearbyint(double(x) * 32768.0);
+    if (!(scaled == scaled)) return 0;  // NaN
+    if (scaled >= 32767.0) return 32767;
+    if (scaled <= -32768.0) return -32768;
+    return toWaveVal(scaled);
+}
+
+// Reads up to `want` frames into l (and r). Integer data comes through libsndfile's 16-bit
+// reading. libsndfile does not scale floating-point data read as integers (0.5 would come
+// out as 0), so that is read as float and scaled here.
+class BlockReader {
+public:
+    BlockReader(SNDFILE* file, int channels, bool floating)
+        : file_(file), channels_(channels), floating_(floating) {
+        if (floating_)
+            floats_.resize(std::size_t(kBlockFrames) * channels_);
+        else if (channels_ == 2)
+            shorts_.resize(std::size_t(kBlockFrames) * 2);
+    }
+
+    sf_count_t read(WaveVal* l, WaveVal* r, std::int32_t want) {
+        sf_count_t got;
+        if (floating_) {
+            got = sf_readf_float(file_, floats_.data(), want);
+            const float* s = floats_.data();
+            if (channels_ == 1) {
+                for (sf_count_t i = 0; i < got; ++i) l[i] = floatToSample(s[i]);
+            } else {
+                for (sf_count_t i = 0; i < got; ++i) {
+                    l[i] = floatToSample(s[2 * i]);
+                    r[i] = floatToSample(s[2 * i + 1]);
+                }
+            }
+        } else if (channels_ == 1) {
+            got = sf_readf_short(file_, l, want);
+        } else {
+            got = sf_readf_short(file_, shorts_.data(), want);
+            const short* s = shorts_.data();
+            for (sf_count_t i = 0; i < got; ++i) {
+                l[i] = s[2 * i];
+                r[i] = s[2 * i + 1];
+            }
+        }
+        return got < 0 ? 0 : got;
+    }
+
+private:
+    SNDFILE* file_;
+    int channels_;
+    bool floating_;
+    std::vector<short> shorts_;
+    std::vector<float> floats_;
+};
+
+// Reads every frame of an opened file into a new sound.
+bool readOpened(SNDFILE* file, const SF_INFO& info, SoundPtr& sound, std::string& reason,
+                CancelFlag* cancel) {
+    const int channels = info.channels;
+    if (channels != 1 && channels != 2) {
+        reason = importChannelsReason(channels);
+        return false;
+    }
+    if (info.samplerate <= 0) {
+        reason = importFrequencyReason(info.samplerate);
+        return false;
+    }
+    // Whatever libsndfile converts to 16 bits itself is clipped, never wrapped.
+    sf_command(file, SFC_SET_CLIPPING, nullptr, SF_TRUE);
+    const int subtype = info.format & SF_FORMAT_SUBMASK;
+    BlockReader reader(file, channels,
+                       subtype == SF_FORMAT_FLOAT || subtype == SF_FORMAT_DOUBLE);
+
+    // libsndfile says SF_COUNT_MAX when it does not know the length.
+    const bool lengthKnown = info.frames >= 0 && info.frames < SF_COUNT_MAX;
+    if (lengthKnown && info.frames > INT32_MAX) {
+        reason = kImportTooLong;
+        return false;
+    }
+    ChannelStore store(channels);
+    const std::int32_t initial = lengthKnown ? std::int32_t(info.frames) : kBlockFrames;
+    if (initial > 0 && !store.resize(initial, 0)) return noMemory(reason, cancel);
+
+    std::int32_t count = 0;
+    bool grown = !lengthKnown;
+    for (;;) {
+        if (cancel && isCancelled(*cancel)) {
+            reason = kImportCancelled;
+            return false;
+        }
+        if (count == store.capacity()) {
+            // Full. A file of known length normally ends here: look for one more frame
+            // before paying for more storage.
+            WaveVal probe[2] = {0, 0};
+            bool probed = false;
+            if (!grown || count == INT32_MAX) {
+                if (reader.read(&probe[0], &probe[1], 1) != 1) {
+                    if (sf_error(file) != SF_ERR_NO_ERROR) return damaged(file, reason);
+                    break;
+                }
+                probed = true;
+                grown = true;
+            }
+            if (count == INT32_MAX) {
+                reason = kImportTooLong;
+                return false;
+            }
+            const auto bigger = std::int32_t(
+                std::min<std::int64_t>(INT32_MAX, std::int64_t(count) * 2 + kBlockFrames));
+            if (!store.resize(bigger, count)) return noMemory(reason, cancel);
+            if (probed) {
+                store.channel(0)[count] = probe[0];
+                if (channels == 2) store.channel(1)[count] = probe[1];
+                ++count;
+                continue;
+            }
+        }
+        const std::int32_t want = std::min(kBlockFrames, store.capacity() - count);
+        if (chunkHook) callChunkHook(count, count + want);
+        const sf_count_t got = reader.read(
+            store.channel(0) + count, channels == 2 ? store.channel(1) + count : nullptr, want);
+        count += std::int32_t(got);
+        samplesWalked.fetch_add(got, std::memory_order_relaxed);
+        if (got < want) {
+            // The end, or damage that libsndfile noticed: a damaged file is refused with
+            // its text rather than silently cut.
+            if (sf_error(file) != SF_ERR_NO_ERROR) return damaged(file, reason);
+            break;
+        }
+    }
+
+    if (channels == 2) {
+        WavePtr left = store.release(0, count);
+        WavePtr right = store.release(1, count);
+        sound = std::make_unique<StereoSound>(std::move(left), std::move(right),
+                                              std::int32_t(info.samplerate));
+    } else {
+        sound = std::make_unique<MonoSound>(store.release(0, count),
+                                            std::int32_t(info.samplerate));
+    }
+    return true;
+}
+
+// A read-only file in memory for sf_open_virtual.
+struct MemoryFile {
+    const unsigned char* data;
+    sf_count_t size;
+    sf_count_t pos;
+};
+
+sf_count_t memLength(void* user) { return static_cast<MemoryFile*>(user)->size; }
+
+sf_count_t memSeek(sf_count_t offset, int whence, void* user) {
+    auto* m = static_cast<MemoryFile*>(user);
+    sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? m->pos : m->size;
+    if (offset < -base || offset > INT64_MAX - base) return -1;
+    const sf_count_t target = base + offset;
+    m->pos = target;  // past the end is allowed, as for a file; reads there give nothing
+    return m->pos;
+}
+
+sf_count_t memRead(void* dest, sf_count_t count, void* user) {
+    auto* m = static_cast<MemoryFile*>(user);
+    if (count <= 0 || m->pos >= m->size) return 0;
+    const sf_count_t n = std::min(count, m->size - m->pos);
+    std::memcpy(dest, m->data + m->pos, std::size_t(n));
+    m->pos += n;
+    return n;
+}
+
+sf_count_t memWrite(const void*, sf_count_t, void*) { return 0; }
+
+sf_count_t memTell(void* user) { return static_cast<MemoryFile*>(user)->pos; }
+
+}  // namespace
+
+std::string importChannelsReason(int channels) {
+    return "The file has " + std::to_string(channels) +
+           " channels; only mono and stereo files can be imported.";
+}
+
+std::string importFrequencyReason(std::int64_t freq) {
+    return "The file's sample frequency " + std::to_string(freq) + " is not usable.";
+}
+
+bool importSoundFile(const std::string& fileName, SoundPtr& sound, std::string& reason,
+                     CancelFlag* cancel) {
+    sound.reset();
+    SF_INFO info{};
+    SNDFILE* file = sf_open(fileName.c_str(), SFM_READ, &info);
+    if (!file) {
+        reason = sf_strerror(nullptr);
+        return false;
+    }
+    SndFileCloser closer(file);
+    SoundPtr result;
+    if (!readOpened(file, info, result, reason, cancel)) return false;
+    sound = std::move(result);
+    return true;
+}
+
+bool importSoundMemory(const void* data, std::size_t size, SoundPtr& sound,
+                       std::string& reason, CancelFlag* cancel) {
+    sound.reset();
+    MemoryFile memory{static_cast<const unsigned char*>(data), sf_count_t(size), 0};
+    SF_VIRTUAL_IO io{memLength, memSeek, memRead, memWrite, memTell};
+    SF_INFO info{};
+    SNDFILE* file = sf_open_virtual(&io, SFM_READ, &info, &memory);
+    if (!file) {
+        reason = sf_strerror(nullptr);
+        return false;
+    }
+    SndFileCloser closer(file);
+    SoundPtr result;
+    if (!readOpened(file, info, result, reason, cancel)) return false;
+    sound = std::move(result);
+    return true;
+}
+
+std::string importFailureText(const std::string& fileName, const std::string& reason) {
+    return "Cannot import the file: \"" + fileName + "\", " + reason;
+}
+
+std::vector<ImportFormat> importFormats() {
+    std::vector<ImportFormat> formats;
+    int count = 0;
+    sf_command(nullptr, SFC_GET_FORMAT_MAJOR_COUNT, &count, sizeof count);
+    for (int i = 0; i < count; ++i) {
+        SF_FORMAT_INFO f{};
+        f.format = i;
+        if (sf_command(nullptr, SFC_GET_FORMAT_MAJOR, &f, sizeof f) != 0) continue;
+        formats.push_back({f.name ? f.name : "", f.extension ? f.extension : ""});
+    }
+    return formats;
+}
+
+}  // namespace orv

@@ -35,6 +35,8 @@ public:
     std::int32_t getSelEndPos() const { return selEndPos; }
     // True when the record holds a sound its unit does not (it owns one).
     bool ownsSound() const;
+    // Forgets the sound without deleting it: somebody else holds it now.
+    void disown();
 
 private:
     TUnitWave* UnitWave;

@@ -57,6 +57,9 @@ public:
     // The sound of the registered wave `name`, or nullptr.
     virtual const Sound* soundByName(std::string_view name) const = 0;
     virtual void unitDestroyed(TUnitWave& unit) = 0;
+    // Whether the undo record holds `sound`: a sound the unit lets go of is deleted unless
+    // the record keeps it.
+    virtual bool undoHolds(const Sound* sound) const = 0;
 };
 
 enum UnitState : std::uint8_t { kStateNew = 0, kStateSaved = 1, kStateChanged = 2 };
@@ -236,6 +239,8 @@ private:
     // One operation's steps 3 to 6: `made` is the new sound (null when there is none), the
     // produced range is [begin, end).
     bool takeResult(SoundPtr made, std::int32_t begin, std::int32_t end);
+    // Lets go of a sound the unit no longer holds (deleted unless the undo record has it).
+    void releaseSound(Sound* old);
     // The range of an effect and of a generator (see the top of this file).
     void effectRange(std::int32_t& begin, std::int32_t& end) const;
     void makeRange(std::int32_t& begin, std::int32_t& end) const;
@@ -269,6 +274,18 @@ void repaintChangedRanges(std::int32_t ob, std::int32_t oe, std::int32_t nb, std
     if (oe < ne && ne > nb) repaint(nb > oe ? nb : oe, ne);
     if (ob < nb && oe > ob) repaint(ob, nb < oe ? nb : oe);
     if (oe > ne && oe > ob) repaint(ne > ob ? ne : ob, oe);
+}
+
+template <class Change>
+inline void TUnitWave::changeSelection(Change&& change) {
+    const std::int32_t ob = selBegin(), oe = selEnd(), oc = cursor;
+    change();
+    if (!view) return;
+    if (values() != 0)
+        repaintChangedRanges(ob, oe, selBegin(), selEnd(),
+                             [this](std::int32_t b, std::int32_t e) { view->repaint(b, e); });
+    view->refreshStatus(*this);
+    if (cursor != oc) view->moveCursor(cursor);
 }
 
 }  // namespace orv

@@ -27,6 +27,7 @@
 #include "core/sound.h"
 #include "document/actions.h"
 #include "document/record_form.h"
+#include "document/register_check.h"
 #include "document/undo_unit.h"
 #include "document/unit_wave.h"
 
@@ -50,6 +51,9 @@ struct ActionResult {
 };
 
 inline constexpr std::string_view kFileErrorCaption = "File Error";
+// Paste and swap keep the wave's sample width; the clipboard must have the same one.
+inline constexpr std::string_view kClipboardWidthMessage =
+    "The clipboard holds samples of another width than this wave.";
 // The opening of the message for a file that cannot be read; then "\"name\", " and the
 // reader's message.
 inline constexpr std::string_view kCannotReadFile = "Cannot read the file: ";
@@ -88,6 +92,7 @@ public:
     std::vector<std::string> waveNames() const override;
     const Sound* soundByName(std::string_view name) const override;
     void unitDestroyed(TUnitWave& unit) override;
+    bool undoHolds(const Sound* sound) const override;
 
     // ---- undo ----------------------------------------------------------------------
     // Replaces the snapshot with one of `unit`; hands the previous one back.
@@ -140,6 +145,10 @@ private:
     ActionResult refuse(ActionResult::Kind kind, std::string_view caption, std::string_view text,
                         bool show = true);
     FormContext formContext(const TUnitWave& unit) const;
+    // Every parameter-driven action of a document: its remembered record and operation.
+    template <class R>
+    ActionResult operate(TUnitWave& unit, R UnitRecords::*slot, bool (TUnitWave::*op)(const R&),
+                         const TypedFields& fields);
 
     std::vector<std::unique_ptr<TUnitWave>> documents_;
     TUnitWave* active_ = nullptr;
@@ -150,6 +159,28 @@ private:
     WindowState window_;
     bool playAndRecord_ = true;
     bool closing_ = false;
+    std::string lastError_;  // the text of the last refusal shown
 };
+
+template <class Run>
+ActionResult Workspace::changeDocument(TUnitWave& unit, Run&& run) {
+    unit.clearCancel();
+    std::unique_ptr<TUndoUnit> previous = makeUndo(unit);
+    if (!run()) {
+        // Nothing changed: the snapshot taken for this command shares the unit's sound and
+        // goes without deleting anything; the one from before comes back.
+        const bool cancelled = unit.cancelled();
+        undo_ = std::move(previous);
+        if (cancelled) return {ActionResult::Kind::Cancelled, "", ""};
+        return {ActionResult::Kind::Nothing, "", ""};
+    }
+    // The older snapshot may share the sound the new one keeps (a snapshot taken without an
+    // operation after it); that sound is not its to delete any more.
+    if (previous && undo_ && previous->sound() == undo_->sound()) previous->disown();
+    previous.reset();
+    unit.setChanged();
+    if (WaveView* view = unit.getView()) view->refreshStatus(unit);
+    return {};
+}
 
 }  // namespace orv

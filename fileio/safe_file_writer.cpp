@@ -64,6 +64,9 @@ bool SafeFileWriter::open(const std::string& target, bool durable) {
     std::string folder, name;
     splitPath(target_, folder, name);
     if (name.empty()) return false;
+    // A file that may not be overwritten is not replaced behind its back either.
+    if (::access(target_.c_str(), F_OK) == 0 && ::access(target_.c_str(), W_OK) != 0)
+        return false;
 
     // A hidden name in the same folder, so the final rename never crosses file systems.
     // O_EXCL with a fresh name each try; the mode 0666 is trimmed by the umask as for any

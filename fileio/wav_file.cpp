@@ -31,10 +31,11 @@ constexpr bool kLittleHost = std::endian::native == std::endian::little;
 class InputFile {
 public:
     explicit InputFile(const std::string& name) {
-        fd_ = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+        // Not blocking: a named pipe must not hang the program; only plain files are read.
+        fd_ = ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         if (fd_ < 0) return;
         struct stat st;
-        if (::fstat(fd_, &st) != 0 || S_ISDIR(st.st_mode)) {
+        if (::fstat(fd_, &st) != 0 || !S_ISREG(st.st_mode)) {
             ::close(fd_);
             fd_ = -1;
             return;

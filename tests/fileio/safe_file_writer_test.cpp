@@ -162,6 +162,18 @@ TEST_F(SafeSave, ReadOnlyFolderRefusesTheSave) {
     expectOldFileAlone();
 }
 
+TEST_F(SafeSave, ReadOnlyFileIsNotReplaced) {
+    ASSERT_EQ(::chmod(dir.c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+    EXPECT_EXIT(
+        {
+            if (::geteuid() == 0 && ::setuid(65534) != 0) std::_Exit(3);
+            std::_Exit(save() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    expectOldFileAlone();
+}
+
 TEST_F(SafeSave, MissingFolderRefusesTheSave) {
     EXPECT_FALSE(writeWaveChannels(dir + "/no/such/x.wav", wave.get(), nullptr, 8000, 2, 0, 1,
                                    false));

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -100,6 +101,10 @@ TEST_F(WavRead, FormatFailuresGiveTheirMessagesWordForWord) {
     EXPECT_FALSE(readWaveChannels(dir + "/missing.wav", out, message));
     EXPECT_STREQ(message, "Cannot open File.");
     EXPECT_FALSE(readWaveChannels(dir, out, message));  // a folder is not a file
+    EXPECT_STREQ(message, "Cannot open File.");
+    const std::string pipe = dir + "/pipe.wav";  // nobody writes to it: must not hang
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(readWaveChannels(pipe, out, message));
     EXPECT_STREQ(message, "Cannot open File.");
 
     FileSpec s;

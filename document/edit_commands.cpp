@@ -152,11 +152,7 @@ TUnitWave* Workspace::duplicate(TUnitWave& unit) {
     if (!copy || unit.cancelled()) return nullptr;
     auto made = std::make_unique<TUnitWave>(std::move(copy), unit.getBytesPSample(), kNoName);
     made->setNew();
-    made->setHost(this);
-    TUnitWave* result = made.get();
-    documents_.push_back(std::move(made));
-    active_ = result;
-    return result;
+    return &add(std::move(made));
 }
 
 ActionResult Workspace::runEdit(const ActionDef& def, TUnitWave& unit) {

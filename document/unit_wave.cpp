@@ -147,7 +147,7 @@ bool TUnitWave::saveSelection(const std::string& toFile, bool temp) {
 int TUnitWave::freqCount() const { return records_.mfreq.frequencies.count(); }
 
 const FrequencyRecord& TUnitWave::mFreqBrowseRecord(int index) const {
-    ORV_ASSERT(index < freqCount(), "unitwave");
+    ORV_ASSERT_TEXT(index >= 0 && index < freqCount(), "index < freqCount", "unitwave");
     return records_.mfreq.frequencies.at(index);
 }
 

@@ -20,12 +20,16 @@ Workspace::~Workspace() {
 
 // ---- documents ------------------------------------------------------------------------------
 
-TUnitWave& Workspace::newWave(const WaveFileProps& props) {
-    auto unit = std::make_unique<TUnitWave>(kNoName, props);
+TUnitWave& Workspace::add(std::unique_ptr<TUnitWave> unit) {
+    ORV_ASSERT(unit != nullptr, "Main");
     unit->setHost(this);
     active_ = unit.get();
     documents_.push_back(std::move(unit));
     return *active_;
+}
+
+TUnitWave& Workspace::newWave(const WaveFileProps& props) {
+    return add(std::make_unique<TUnitWave>(kNoName, props));
 }
 
 TUnitWave* Workspace::openWave(const std::string& fileName) {
@@ -37,12 +41,8 @@ TUnitWave* Workspace::openWave(const std::string& fileName) {
         showMessage(kFileErrorCaption, lastError_, MessageIcon::Information);
         return nullptr;
     }
-    auto unit = std::make_unique<TUnitWave>(std::move(sound), std::uint16_t(bytes == 1 ? 1 : 2),
-                                            fileName);
-    unit->setHost(this);
-    active_ = unit.get();
-    documents_.push_back(std::move(unit));
-    return active_;
+    return &add(std::make_unique<TUnitWave>(std::move(sound),
+                                            std::uint16_t(bytes == 1 ? 1 : 2), fileName));
 }
 
 bool Workspace::save(TUnitWave& unit) {

@@ -66,6 +66,8 @@ public:
     Workspace& operator=(const Workspace&) = delete;
 
     // ---- documents ------------------------------------------------------------------
+    // Takes a document made elsewhere (a sound built by the caller), made active.
+    TUnitWave& add(std::unique_ptr<TUnitWave> unit);
     // New empty document "NONAME", made active.
     TUnitWave& newWave(const WaveFileProps& props);
     // Reads the file into a new active document; on failure shows "Cannot read the file:

@@ -5,7 +5,9 @@
 // big file against another program in the same run:
 //   wav_io_bench --make FILE SECONDS   writes a 44.1 kHz stereo 16-bit file of that length
 //   wav_io_bench --read FILE           reads it (run under /usr/bin/time for peak memory)
-//   wav_io_bench --copy IN OUT         reads IN, writes OUT; prints both times and speeds
+//   wav_io_bench --copy IN OUT [--temporary]
+//                                      reads IN, writes OUT; prints both times and speeds
+//                                      (--temporary: saved without the flush to disk)
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -142,7 +144,7 @@ int readMode(const char* path) {
     return 0;
 }
 
-int copyMode(const char* in, const char* out) {
+int copyMode(const char* in, const char* out, bool temporary) {
     SoundPtr sound;
     int width = 0;
     const char* message = nullptr;
@@ -155,7 +157,7 @@ int copyMode(const char* in, const char* out) {
     const double bytes = double(std::filesystem::file_size(in));
     CancelFlag cancel{0};
     t = Clock::now();
-    if (!writeWaveFile(&cancel, out, sound.get(), width, 0, sound->GetValues(), false)) {
+    if (!writeWaveFile(&cancel, out, sound.get(), width, 0, sound->GetValues(), temporary)) {
         std::fprintf(stderr, "cannot write %s\n", out);
         return 1;
     }
@@ -171,7 +173,8 @@ int copyMode(const char* in, const char* out) {
 int main(int argc, char** argv) {
     if (argc == 4 && std::strcmp(argv[1], "--make") == 0) return makeMode(argv[2], std::atof(argv[3]));
     if (argc == 3 && std::strcmp(argv[1], "--read") == 0) return readMode(argv[2]);
-    if (argc == 4 && std::strcmp(argv[1], "--copy") == 0) return copyMode(argv[2], argv[3]);
+    if ((argc == 4 || argc == 5) && std::strcmp(argv[1], "--copy") == 0)
+        return copyMode(argv[2], argv[3], argc == 5 && std::strcmp(argv[4], "--temporary") == 0);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -58,7 +58,8 @@ Wave::Wave(CancelFlag& cancel, const Wave& other) {
     if (other.values < 1) return;
     wave = allocateSamples(other.values);
     if (wave == nullptr) {
-        // Only the flag: the caller that asked for the copy gives up on seeing it.
+        // Every failed allocation tells the user why the command did nothing.
+        showMessage(kSystemError, kNoMemory, MessageIcon::Information);
         setCancelled(cancel);
         return;
     }

@@ -5,7 +5,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/sound.h"
 #include "document/field_table.h"
@@ -323,10 +325,22 @@ struct MFreqRecord {
     enum : std::uint8_t { kSinus = 0, kWaveForm = 1 };
     MFreqRecord();
     static const RecordTable<MFreqRecord>& table();
+    // The generator's form of the list (only once its editing is closed).
+    std::vector<MFreqPartial> partials() const;
     ValueRecord length;
     std::uint8_t use;
     std::string waveForm;
     RecordBrowser<FrequencyRecord> frequencies;
 };
+
+// Replaces the list by one record per entry, each starting from the defaults with its typed
+// fields applied (the command line's way to give the frequencies). The first failing entry
+// is reported as its dialog would; the list is unchanged then. At least one entry.
+std::optional<FormError> setFrequencies(MFreqRecord& record,
+                                        const std::vector<TypedFields>& entries,
+                                        const FormContext& context);
+
+// Every operation record's form, in the order of the operation dialogs, for listings.
+std::vector<const FormSpec*> operationFormSpecs();
 
 }  // namespace orv

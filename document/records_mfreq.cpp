@@ -46,3 +46,43 @@ const RecordTable<MFreqRecord>& MFreqRecord::table() {
 }
 
 }  // namespace orv
+
+namespace orv {
+
+std::vector<MFreqPartial> MFreqRecord::partials() const {
+    std::vector<MFreqPartial> out;
+    for (const FrequencyRecord& f : frequencies.records()) out.push_back(f.partial());
+    return out;
+}
+
+std::optional<FormError> setFrequencies(MFreqRecord& record,
+                                        const std::vector<TypedFields>& entries,
+                                        const FormContext& context) {
+    if (entries.empty()) {
+        FormError e;
+        e.caption = std::string(kUsageErrorCaption);
+        e.message = "Give at least one frequency.";
+        return e;
+    }
+    std::vector<FrequencyRecord> list;
+    for (const TypedFields& typed : entries) {
+        FrequencyRecord f;
+        if (auto e = applyTypedFields(f, typed, context)) return e;
+        list.push_back(f);
+    }
+    record.frequencies = RecordBrowser<FrequencyRecord>(list);
+    return std::nullopt;
+}
+
+std::vector<const FormSpec*> operationFormSpecs() {
+    return {&VolumeRecord::table(),      &SilenceRecord::table(),     &LineRecord::table(),
+            &NoiseRecord::table(),       &RotateRecord::table(),      &BlockRecord::table(),
+            &BlockTriangleRecord::table(), &SinusRecord::table(),     &RollInRecord::table(),
+            &UpRecord::table(),          &LeftRightRecord::table(),   &ResNotchRecord::table(),
+            &PerEchoRecord::table(),     &HighLowRecord::table(),     &BlockFilterRecord::table(),
+            &BalanceRecord::table(),     &MixRecord::table(),         &TempoPitchRecord::table(),
+            &RollOutRecord::table(),     &LengthRecord::table(),      &RandomEchoRecord::table(),
+            &DistortRecord::table(),     &MFreqRecord::table(),       &FrequencyRecord::table()};
+}
+
+}  // namespace orv

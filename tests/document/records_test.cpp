@@ -336,3 +336,54 @@ TEST(RegisterCheck, AcceptsNewOwnAndEmptyNames) {
 
 }  // namespace
 }  // namespace orv
+
+namespace orv {
+namespace {
+
+// Declaration slips that the compiler cannot see: a caption used twice (the command line
+// could not reach the second), an option default outside its choices, a group that is not
+// an option or flag.
+TEST(RecordTables, CaptionsUniqueDefaultsInRangeGroupsAreOptions) {
+    std::vector<const FormSpec*> specs = operationFormSpecs();
+    EXPECT_EQ(specs.size(), 24u);
+    for (const FormSpec* s : specs) {
+        SCOPED_TRACE(std::string(s->caption));
+        EXPECT_GT(s->helpContext, 0);
+        for (std::size_t i = 0; i < s->fields.size(); ++i) {
+            const FieldDef& d = s->fields[i];
+            SCOPED_TRACE(std::string(d.caption));
+            EXPECT_EQ(s->find(d.caption), int(i));
+            if (d.kind == FieldKind::Option) {
+                EXPECT_LT(d.defValue, double(d.choices.size()));
+            }
+            if (d.group != kNoField) {
+                const FieldDef& g = s->fields[d.group];
+                EXPECT_TRUE(g.kind == FieldKind::Option || g.kind == FieldKind::Flag);
+                if (g.kind == FieldKind::Option) {
+                    EXPECT_LT(d.groupValue, g.choices.size());
+                }
+            }
+        }
+    }
+}
+
+TEST(MultiFrequency, FrequenciesFromTypedEntries) {
+    MFreqRecord m;
+    ASSERT_FALSE(setFrequencies(m, {{{"Frequency", "440 Hz"}}, {{"Start Volume", "25 %"}}}, {}));
+    std::vector<MFreqPartial> p = m.partials();
+    ASSERT_EQ(p.size(), 2u);
+    EXPECT_DOUBLE_EQ(p[0].period, 1.0 / 440);
+    EXPECT_EQ(p[0].volume, 0.5);
+    EXPECT_EQ(p[1].volume, 0.25);
+    EXPECT_EQ(p[1].period, 0.001);
+
+    auto e = setFrequencies(m, {{{"Frequency", "100 Hz"}}, {{"Volume Factor at Time", "0 s"}}}, {});
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->text(), "In Volume Factor at Time: Value must be positive and more than 0.");
+    EXPECT_EQ(m.partials().size(), 2u);  // unchanged
+    EXPECT_DOUBLE_EQ(m.partials()[0].period, 1.0 / 440);
+    EXPECT_TRUE(setFrequencies(m, {}, {}));
+}
+
+}  // namespace
+}  // namespace orv

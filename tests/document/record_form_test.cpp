@@ -317,3 +317,48 @@ TEST(FormListing, HelpShowsKindsChoicesAndCurrentValues) {
 
 }  // namespace
 }  // namespace orv
+
+namespace orv {
+namespace {
+
+TEST(FormRoundTrip, AnglesComeBackInDegrees) {
+    BalanceRecord b;
+    ASSERT_FALSE(applyTypedFields(b, {{"Direction Constant", "45'"}}, {}));
+    EXPECT_DOUBLE_EQ(b.direction.value, 0.5);
+    EXPECT_EQ(showRecord(BalanceRecord::table(), b, nullptr).fields[1].text, "45 '");
+
+    RotateRecord r;
+    ASSERT_FALSE(applyTypedFields(r, {{"Factor", "-90'"}}, {}));
+    EXPECT_DOUBLE_EQ(r.factor.value, 0.75);
+    EXPECT_EQ(showRecord(RotateRecord::table(), r, nullptr).fields[0].text, "-90 '");
+}
+
+// OK pressed on an untouched dialog reads back what it showed. Four decimals of a wave value
+// are not always enough: -16384 shows as -0.5, which reads as -16383.
+TEST(FormRoundTrip, AnUntouchedDialogKeepsItsValues) {
+    FormContext ctx;
+    ctx.soundSeconds = 10.0;
+    LineRecord line;
+    FormState st = showRecord(LineRecord::table(), line, nullptr);
+    ASSERT_FALSE(acceptRecord(LineRecord::table(), st, line, ctx));
+    EXPECT_EQ(line.beginValue.value, 16383);
+    EXPECT_EQ(line.endValue.value, -16383);
+    EXPECT_DOUBLE_EQ(line.length.value, 0.1);
+    EXPECT_EQ(line.length.unit, kUnitMillisecond);
+
+    TempoPitchRecord tp;
+    st = showRecord(TempoPitchRecord::table(), tp, nullptr);
+    ASSERT_FALSE(acceptRecord(TempoPitchRecord::table(), st, tp, ctx));
+    EXPECT_DOUBLE_EQ(tp.blockSize.value, 0.04);
+    EXPECT_EQ(tp.blockSize.unit, kUnitMillisecond);
+    EXPECT_DOUBLE_EQ(tp.frequencyFactor.value, 2.0);
+
+    SinusRecord s;
+    st = showRecord(SinusRecord::table(), s, nullptr);
+    ASSERT_FALSE(acceptRecord(SinusRecord::table(), st, s, ctx));
+    EXPECT_DOUBLE_EQ(s.frequency.value, 0.001);
+    EXPECT_EQ(s.frequency.unit, kUnitKilohertz);
+}
+
+}  // namespace
+}  // namespace orv

@@ -35,6 +35,20 @@ std::string pointerText(const void* p) {
     return buf;
 }
 
+// d[i] = d[i] + s[i] x factor, truncated and wrapped. While the sum surely fits 32 bits the
+// conversion needs no range test, and the loop runs in fixed groups the compiler vectorises.
+void mixScaledRun(const WaveVal* __restrict s, WaveVal* __restrict d, std::int32_t n,
+                  double factor) {
+    constexpr std::int32_t kGroup = 16;
+    std::int32_t i = 0;
+    if (std::fabs(factor) < 65000.0) {
+        for (; i + kGroup <= n; i += kGroup)
+            for (std::int32_t j = 0; j < kGroup; ++j)
+                d[i + j] = wrap16(static_cast<std::int32_t>(d[i + j] + s[i + j] * factor));
+    }
+    for (; i < n; ++i) d[i] = toWaveVal(double(d[i]) + double(s[i]) * factor);
+}
+
 // The number of samples that both waves still have from their starting points.
 inline std::int32_t common(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 
@@ -228,14 +242,7 @@ void Wave::mixAfter(CancelFlag& cancel, const Wave* other, std::int32_t after, d
     const WaveVal* src = other->wave;
     forEachChunk(cancel, 0, common(values - after, other->values),
                  [&](std::int32_t pos, std::int32_t stop) {
-                     WaveVal* d = dst + pos;
-                     const WaveVal* s = src + pos;
-                     const WaveVal* const e = src + stop;
-                     while (s < e) {
-                         *d = toWaveVal(double(*d) + double(*s) * factor);
-                         ++d;
-                         ++s;
-                     }
+                     mixScaledRun(src + pos, dst + pos, stop - pos, factor);
                  });
 }
 

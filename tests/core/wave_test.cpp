@@ -372,6 +372,22 @@ TEST(WavePrimitives, MixAfterForms) {
     s->mixAfter(c, makeWave({3, 3, 30000}).get(), 0, 0.5);
     EXPECT_EQ(samplesOf(*s), (Samples{11, -8, -20536, 7}));  // 11.5, -8.5, 45000 wrapped
 
+    // Long enough for the grouped loop: the same rule on every sample, and a factor too big
+    // for 32-bit sums still wraps exactly.
+    Samples base(40), add(40), want(40);
+    for (int i = 0; i < 40; ++i) {
+        base[i] = WaveVal(i * 1000 - 20000);
+        add[i] = WaveVal(i % 2 ? -3 : 30000);
+        want[i] = toWaveVal(double(base[i]) + add[i] * -0.5);
+    }
+    WavePtr g = makeWave(base);
+    g->mixAfter(c, makeWave(add).get(), 0, -0.5);
+    EXPECT_EQ(samplesOf(*g), want);
+    EXPECT_EQ(want[1], -18998);  // -19000 + 1.5 truncated toward zero
+    WavePtr h = makeWave(Samples(20, 1));
+    h->mixAfter(c, makeWave(Samples(20, 3)).get(), 0, 100000.0);
+    EXPECT_EQ(samplesOf(*h), Samples(20, wrap16(300001)));
+
     WavePtr r = makeWave({0, 0, 0, 0});
     r->mixAfterCyclic(c, makeWave({1, 2, 3, 4, 5, 6}).get(), 2);
     EXPECT_EQ(samplesOf(*r), (Samples{3, 4, 6, 8}));

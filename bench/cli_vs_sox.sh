@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# Whole-process times of orvasto-cli against SoX on the same 10-minute 44.1 kHz stereo
+# 16-bit file, in one run: open + effect + save against `sox -D in out effect` (neither
+# dithers). Prints both times (the best of several runs) and the ratio SoX / orvasto-cli;
+# the goal is at least 2 on every line. Then the peak memory (max RSS) of
+# `open ... Volume ... save` against the size of the sample data; the goal is at most 2.2.
+#
+#   bench/cli_vs_sox.sh [MINUTES]      default 10
+#
+# Builds orvasto-cli in Release in its own folder. Not run in CI. sox is only the peer here.
+set -euo pipefail
+
+minutes="${1:-10}"
+root="$(cd "$(dirname "$0")/.." && pwd)"
+build="${BENCH_BUILD:-$root/build-cli-bench}"
+work="$(mktemp -d /tmp/orvasto-cli-bench.XXXXXX)"
+trap 'rm -rf "$work"' EXIT
+runs="${BENCH_RUNS:-3}"
+
+command -v sox >/dev/null || { echo "sox is needed for the comparison" >&2; exit 1; }
+[ -x /usr/bin/time ] || { echo "GNU time (/usr/bin/time) is needed" >&2; exit 1; }
+
+cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVASTO_TESTS=OFF >/dev/null
+ninja -C "$build" -j2 orvasto-cli >/dev/null
+cli="$build/cli/orvasto-cli"
+
+in="$work/in.wav"
+"$cli" new 44100 16 2 MakeNoise "Volume=0.3" "Length=$((minutes * 60)) s" save "$in"
+cat "$in" >/dev/null  # every run reads from the page cache
+bytes=$(( $(stat -c %s "$in") - 44 ))
+
+# Best elapsed seconds of `runs` runs of the command.
+best() {
+  local t b=""
+  for _ in $(seq "$runs"); do
+    rm -f "$work/out.wav"
+    t=$( { /usr/bin/time -f "%e" "$@" >/dev/null 2>/dev/null; } 2>&1 | tail -n1 )
+    if [ -z "$b" ] || awk -v a="$t" -v b="$b" 'BEGIN{exit !(a<b)}'; then b="$t"; fi
+  done
+  echo "$b"
+}
+
+printf "%-10s %12s %12s %8s\n" "effect" "orvasto-cli" "sox" "ratio"
+fail=0
+compare() {
+  local label="$1"; shift
+  local -a ours=() theirs=()
+  while [ "$1" != "--" ]; do ours+=("$1"); shift; done
+  shift
+  theirs=("$@")
+  local a b r
+  a=$(best "$cli" open "$in" "${ours[@]}" save "$work/out.wav")
+  b=$(best sox -D "$in" "$work/out.wav" "${theirs[@]}")
+  r=$(awk -v a="$a" -v b="$b" 'BEGIN{ if (a <= 0) a = 0.005; printf "%.2f", b / a }')
+  printf "%-10s %10ss %10ss %7sx\n" "$label" "$a" "$b" "$r"
+  awk -v r="$r" 'BEGIN{exit !(r < 2)}' && fail=1 || true
+}
+
+compare Volume    Volume "Volume Factor=0.5" -- vol 0.5
+compare Reverse   Reverse -- reverse
+compare FilterLow FilterLow "Frequency=1 kHz" "Volume Factor=1" -- lowpass -1 1000
+compare PerEcho   PerEcho "Echo Time=100 ms" "Volume Constant=0.5" -- echo 1 1 100 0.5
+
+rss=$( { /usr/bin/time -f "%M" "$cli" open "$in" Volume "Volume Factor=0.5" save "$work/out.wav" \
+         >/dev/null 2>/dev/null; } 2>&1 | tail -n1 )
+awk -v k="$rss" -v d="$bytes" 'BEGIN{
+  printf "peak memory of open + Volume + save: %.1f MB for %.1f MB of samples = %.2f x (goal <= 2.2)\n",
+         k * 1024 / 1e6, d / 1e6, k * 1024 / d }'
+awk -v k="$rss" -v d="$bytes" 'BEGIN{exit !(k * 1024 / d > 2.2)}' && fail=1 || true
+
+if [ "$fail" -ne 0 ]; then echo "a goal was missed"; exit 1; fi
+echo "all goals met"

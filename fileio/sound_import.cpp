@@ -5,7 +5,11 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 #include "core/platform.h"
@@ -248,36 +252,116 @@ bool readOpened(SNDFILE* file, const SF_INFO& info, SoundPtr& sound, std::string
     return true;
 }
 
-// A read-only file in memory for sf_open_virtual.
-struct MemoryFile {
-    const unsigned char* data;
-    sf_count_t size;
-    sf_count_t pos;
+// The bytes libsndfile reads: a file (read with pread) or a block of memory, seen through
+// sf_open_virtual so that the chunks of a WAV file can be screened first (see below).
+class Source {
+public:
+    Source(const unsigned char* data, sf_count_t size) : data_(data), size_(size) {}
+    explicit Source(int fd) : fd_(fd) {
+        struct stat st;
+        size_ = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) ? sf_count_t(st.st_size) : -1;
+    }
+    ~Source() {
+        if (fd_ >= 0) ::close(fd_);
+    }
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+
+    sf_count_t size() const { return size_; }
+
+    // Up to `count` bytes from `at`; fewer at the end.
+    sf_count_t read(void* dest, sf_count_t count, sf_count_t at) const {
+        if (count <= 0 || at < 0 || at >= size_) return 0;
+        count = std::min(count, size_ - at);
+        if (data_) {
+            std::memcpy(dest, data_ + at, std::size_t(count));
+            return count;
+        }
+        sf_count_t got = 0;
+        while (got < count) {
+            const ssize_t n = ::pread(fd_, static_cast<char*>(dest) + got,
+                                      std::size_t(count - got), off_t(at + got));
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) break;
+            got += n;
+        }
+        return got;
+    }
+
+    // Where the renamed chunk identifiers lie; read() leaves them to the caller.
+    std::vector<sf_count_t> junked;
+    sf_count_t pos = 0;
+
+private:
+    const unsigned char* data_ = nullptr;
+    int fd_ = -1;
+    sf_count_t size_ = 0;
 };
 
-sf_count_t memLength(void* user) { return static_cast<MemoryFile*>(user)->size; }
+// libsndfile's parsers of some WAV metadata chunks ("LIST" among them) can loop for minutes
+// over a chunk whose inner sizes are damaged, before a single sample is read. Nothing in
+// those chunks matters for import, so every chunk of a RIFF WAVE file but "fmt ", "fact" and
+// "data" is shown to libsndfile as "JUNK", which it skips by its size.
+void screenWaveChunks(Source& src) {
+    unsigned char head[12];
+    if (src.read(head, 12, 0) != 12 || std::memcmp(head, "RIFF", 4) != 0 ||
+        std::memcmp(head + 8, "WAVE", 4) != 0)
+        return;
+    sf_count_t at = 12;
+    for (int chunks = 0; chunks < 100000 && at + 8 <= src.size(); ++chunks) {
+        unsigned char c[8];
+        if (src.read(c, 8, at) != 8) break;
+        if (std::memcmp(c, "fmt ", 4) != 0 && std::memcmp(c, "fact", 4) != 0 &&
+            std::memcmp(c, "data", 4) != 0)
+            src.junked.push_back(at);
+        const sf_count_t size = sf_count_t(c[4]) | sf_count_t(c[5]) << 8 |
+                                sf_count_t(c[6]) << 16 | sf_count_t(c[7]) << 24;
+        at += 8 + size + (size & 1);
+    }
+}
 
-sf_count_t memSeek(sf_count_t offset, int whence, void* user) {
-    auto* m = static_cast<MemoryFile*>(user);
-    sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? m->pos : m->size;
+sf_count_t srcLength(void* user) { return static_cast<Source*>(user)->size(); }
+
+sf_count_t srcSeek(sf_count_t offset, int whence, void* user) {
+    auto* s = static_cast<Source*>(user);
+    const sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? s->pos : s->size();
     if (offset < -base || offset > INT64_MAX - base) return -1;
-    const sf_count_t target = base + offset;
-    m->pos = target;  // past the end is allowed, as for a file; reads there give nothing
-    return m->pos;
+    s->pos = base + offset;  // past the end is allowed, as for a file; reads there give nothing
+    return s->pos;
 }
 
-sf_count_t memRead(void* dest, sf_count_t count, void* user) {
-    auto* m = static_cast<MemoryFile*>(user);
-    if (count <= 0 || m->pos >= m->size) return 0;
-    const sf_count_t n = std::min(count, m->size - m->pos);
-    std::memcpy(dest, m->data + m->pos, std::size_t(n));
-    m->pos += n;
-    return n;
+sf_count_t srcRead(void* dest, sf_count_t count, void* user) {
+    auto* s = static_cast<Source*>(user);
+    const sf_count_t got = s->read(dest, count, s->pos);
+    for (const sf_count_t j : s->junked) {
+        for (int k = 0; k < 4; ++k) {
+            const sf_count_t i = j + k - s->pos;
+            if (i >= 0 && i < got) static_cast<char*>(dest)[i] = "JUNK"[k];
+        }
+    }
+    s->pos += got;
+    return got;
 }
 
-sf_count_t memWrite(const void*, sf_count_t, void*) { return 0; }
+sf_count_t srcWrite(const void*, sf_count_t, void*) { return 0; }
 
-sf_count_t memTell(void* user) { return static_cast<MemoryFile*>(user)->pos; }
+sf_count_t srcTell(void* user) { return static_cast<Source*>(user)->pos; }
+
+bool importFrom(Source& src, SoundPtr& sound, std::string& reason, CancelFlag* cancel) {
+    screenWaveChunks(src);
+    SF_VIRTUAL_IO io{srcLength, srcSeek, srcRead, srcWrite, srcTell};
+    SF_INFO info{};
+    SNDFILE* file = sf_open_virtual(&io, SFM_READ, &info, &src);
+    if (!file) {
+        reason = sf_strerror(nullptr);
+        return false;
+    }
+    SndFileCloser closer(file);
+    SoundPtr result;
+    if (!readOpened(file, info, result, reason, cancel)) return false;
+    sound = std::move(result);
+    return true;
+}
 
 }  // namespace
 
@@ -293,35 +377,28 @@ std::string importFrequencyReason(std::int64_t freq) {
 bool importSoundFile(const std::string& fileName, SoundPtr& sound, std::string& reason,
                      CancelFlag* cancel) {
     sound.reset();
-    SF_INFO info{};
-    SNDFILE* file = sf_open(fileName.c_str(), SFM_READ, &info);
-    if (!file) {
-        reason = sf_strerror(nullptr);
+    const int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    Source src(fd);
+    if (fd < 0 || src.size() < 0) {
+        // Let libsndfile say why in its own words.
+        SF_INFO info{};
+        if (SNDFILE* f = sf_open(fileName.c_str(), SFM_READ, &info)) {
+            sf_close(f);
+            reason = "The file is not a regular file.";
+        } else {
+            reason = sf_strerror(nullptr);
+        }
         return false;
     }
-    SndFileCloser closer(file);
-    SoundPtr result;
-    if (!readOpened(file, info, result, reason, cancel)) return false;
-    sound = std::move(result);
-    return true;
+    (void)::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+    return importFrom(src, sound, reason, cancel);
 }
 
 bool importSoundMemory(const void* data, std::size_t size, SoundPtr& sound,
                        std::string& reason, CancelFlag* cancel) {
     sound.reset();
-    MemoryFile memory{static_cast<const unsigned char*>(data), sf_count_t(size), 0};
-    SF_VIRTUAL_IO io{memLength, memSeek, memRead, memWrite, memTell};
-    SF_INFO info{};
-    SNDFILE* file = sf_open_virtual(&io, SFM_READ, &info, &memory);
-    if (!file) {
-        reason = sf_strerror(nullptr);
-        return false;
-    }
-    SndFileCloser closer(file);
-    SoundPtr result;
-    if (!readOpened(file, info, result, reason, cancel)) return false;
-    sound = std::move(result);
-    return true;
+    Source src(static_cast<const unsigned char*>(data), sf_count_t(size));
+    return importFrom(src, sound, reason, cancel);
 }
 
 std::string importFailureText(const std::string& fileName, const std::string& reason) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -340,4 +341,64 @@ TEST_F(RunnerTest, HelpListsStepsActionsAndFormats) {
               "  Length (time) = 500 ms\n"
               "  Count (factor) = 500 (unused)\n"
               "  Length or Count (option: Length|Count) = Length\n");
+}
+
+// ---- interrupting -----------------------------------------------------------------------
+
+namespace {
+struct InterruptAt {
+    ScriptRunner* runner = nullptr;
+    std::int32_t at = 0;
+    bool raiseSignal = false;
+    bool done = false;
+};
+void interruptHook(void* context, std::int32_t pos, std::int32_t) {
+    auto* c = static_cast<InterruptAt*>(context);
+    if (c->done || pos < c->at) return;
+    c->done = true;
+    if (c->raiseSignal)
+        std::raise(SIGINT);
+    else
+        c->runner->interrupt();
+}
+}  // namespace
+
+TEST_F(RunnerTest, AnInterruptedOperationLeavesTheWaveAndStopsTheScript) {
+    writeWav(dir / "in.wav", 8000, 1, {10, 20, 30});
+    std::vector<Step> steps;
+    ASSERT_FALSE(parseScript({"open", file("in.wav"), "Volume", "Volume Factor=2", "MakeNoise",
+                              "Length=3600 s", "save", file("out.wav")},
+                             steps));
+    ScriptRunner runner(out);
+    InterruptAt at{&runner, 500000};
+    setChunkHook(interruptHook, &at);
+    const int status = runner.run(steps);
+    setChunkHook(nullptr, nullptr);
+    EXPECT_EQ(status, kExitInterrupted);
+    EXPECT_TRUE(at.done);
+    EXPECT_FALSE(fs::exists(dir / "out.wav"));
+    // The noise was thrown away; the volume change is still the one undo takes back.
+    TUnitWave& unit = *runner.workspace().active();
+    ASSERT_EQ(unit.values(), 3);
+    EXPECT_EQ((*unit.getSound()->GetLeftWave())[2], 60);
+    EXPECT_EQ(unit.getState(), kStateChanged);
+    EXPECT_TRUE(runner.workspace().undo());
+    EXPECT_EQ((*unit.getSound()->GetLeftWave())[2], 30);
+    EXPECT_TRUE(rec.recorder.messages.empty()) << lastMessage(rec.recorder);
+}
+
+TEST_F(RunnerTest, CtrlCReachesTheRunningCommandThroughTheWatcher) {
+    std::vector<Step> steps;
+    ASSERT_FALSE(parseScript({"new", "44100", "16", "1", "MakeNoise", "Length=3600 s", "save",
+                              file("out.wav")},
+                             steps));
+    ScriptRunner runner(out);
+    Console console(stderr);
+    InterruptAt at{&runner, 100000, true};
+    setChunkHook(interruptHook, &at);
+    const int status = runWatched(runner, steps, console, false);
+    setChunkHook(nullptr, nullptr);
+    EXPECT_EQ(status, kExitInterrupted);
+    EXPECT_FALSE(fs::exists(dir / "out.wav"));
+    EXPECT_EQ(runner.workspace().active()->values(), 0);
 }

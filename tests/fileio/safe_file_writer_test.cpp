@@ -1,43 +1,35 @@
 // A failed save never damages the file that was there: disk full, a failing flush, close
 // or rename, a folder that takes no new files. A good save keeps permissions and links.
 #include <cerrno>
-#include <cstdint>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "fileio/safe_file_writer.h"
 #include "fileio/wav_file.h"
+#include "support/file_test_helpers.h"
 
 namespace orv {
 namespace {
 
 namespace fs = std::filesystem;
-using Bytes = std::vector<std::uint8_t>;
+using namespace orv::test;
 
-// Fault injection: the disk is "full" after `budget` bytes; flush, close or rename fail
-// on request. Counts the flushes.
+// Fault injection: the disk is "full" after `budget` bytes (a short write first); the
+// reservation, flush, close or rename fail on request. Counts the flushes.
 struct Faults {
     static inline long budget = -1;  // -1: unlimited
-    static inline bool failReserve = false, failFsync = false, failClose = false,
-                       failRename = false;
+    static inline bool failReserve = false, failFsync = false, failClose = false, failRename = false;
     static inline int fsyncs = 0;
 
     static ssize_t write(int fd, const void* data, std::size_t bytes) {
-        if (budget >= 0) {
-            if (budget == 0) {
-                errno = ENOSPC;
-                return -1;
-            }
-            if (long(bytes) > budget) bytes = std::size_t(budget);  // a short write first
+        if (budget == 0) {
+            errno = ENOSPC;
+            return -1;
+        }
+        if (budget > 0) {
+            bytes = std::min<std::size_t>(bytes, std::size_t(budget));
             budget -= long(bytes);
         }
         return ::write(fd, data, bytes);
@@ -47,79 +39,62 @@ struct Faults {
     }
     static int fsync(int fd) {
         ++fsyncs;
-        if (failFsync) {
-            errno = EIO;
-            return -1;
-        }
-        return ::fsync(fd);
+        return failFsync ? (errno = EIO, -1) : ::fsync(fd);
     }
     static int close(int fd) {
         ::close(fd);
-        if (failClose) {
-            errno = EIO;
-            return -1;
-        }
-        return 0;
+        return failClose ? (errno = EIO, -1) : 0;
     }
     static int rename(const char* from, const char* to) {
-        if (failRename) {
-            errno = EXDEV;
-            return -1;
-        }
-        return ::rename(from, to);
+        return failRename ? (errno = EXDEV, -1) : ::rename(from, to);
     }
 };
 
 class SafeSave : public ::testing::Test {
 protected:
+    using V = std::vector<WaveVal>;
     void SetUp() override {
-        char tmpl[] = "/tmp/orv-safesave-XXXXXX";
-        ASSERT_NE(::mkdtemp(tmpl), nullptr);
-        dir = tmpl;
-        path = dir + "/song.wav";
         Faults::budget = -1;
         Faults::failReserve = Faults::failFsync = Faults::failClose = Faults::failRename = false;
         Faults::fsyncs = 0;
-        previous = setFileOps(FileOps{Faults::write, Faults::fallocate, Faults::fsync,
-                                      Faults::close, Faults::rename});
-
-        // The file a failed save must leave alone.
-        old.assign(1000, 0);
-        for (std::size_t i = 0; i < old.size(); ++i) old[i] = std::uint8_t(i * 13);
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(old.data()), std::streamsize(old.size()));
-
-        WaveVal* s = allocateSamples(5000);
+        previous = setFileOps(FileOps{Faults::write, Faults::fallocate, Faults::fsync, Faults::close, Faults::rename});
+        for (std::size_t i = 0; i < 1000; ++i) old.push_back(std::uint8_t(i * 13));
+        writeBytes(path, old);  // the file a failed save must leave alone
+        V s(5000);
         for (int i = 0; i < 5000; ++i) s[i] = WaveVal(i);
-        wave = std::make_unique<Wave>(s, 5000);
+        wave = waveOf(s);
     }
-    void TearDown() override {
-        setFileOps(previous);
-        ::chmod(dir.c_str(), 0700);
-        fs::remove_all(dir);
-    }
+    void TearDown() override { setFileOps(previous); }
 
-    Bytes bytesOf(const std::string& p) const {
-        std::ifstream in(p, std::ios::binary);
-        return Bytes(std::istreambuf_iterator<char>(in), {});
-    }
     bool save() { return writeWaveChannels(path, wave.get(), wave.get(), 44100, 2, 0, 5000, false); }
     // Nothing but the old file remains: no temporary left behind.
     void expectOldFileAlone() {
-        EXPECT_EQ(bytesOf(path), old);
+        EXPECT_EQ(readBytes(path), old);
         std::vector<std::string> names;
-        for (const auto& e : fs::directory_iterator(dir)) names.push_back(e.path().filename());
+        for (const auto& e : fs::directory_iterator(dir.path())) names.push_back(e.path().filename());
         EXPECT_EQ(names, std::vector<std::string>{"song.wav"});
     }
+    // Runs the save as an unprivileged user in a child process: the super-user writes anywhere.
+    void expectRefusedAsUser() {
+        EXPECT_EXIT(
+            {
+                if (::geteuid() == 0 && ::setuid(65534) != 0) std::_Exit(3);
+                std::_Exit(save() ? 1 : 0);
+            },
+            ::testing::ExitedWithCode(0), "");
+        ::chmod(dir.path().c_str(), 0700);
+        expectOldFileAlone();
+    }
 
-    std::string dir, path;
+    TempDir dir;
+    std::string path = dir / "song.wav";
     Bytes old;
     WavePtr wave;
     FileOps previous{};
 };
 
 TEST_F(SafeSave, DiskFullAtAnyPointLeavesTheOldFile) {
-    // In the header, just after it, and in the middle of the samples.
+    // In the header, just after it, and in the middle and at the last byte of the samples.
     for (long budget : {0L, 10L, 44L, 45L, 20000L, 20043L}) {
         SCOPED_TRACE(budget);
         Faults::budget = budget;
@@ -132,67 +107,35 @@ TEST_F(SafeSave, DiskFullAtAnyPointLeavesTheOldFile) {
 }
 
 TEST_F(SafeSave, FailingReserveFlushCloseOrRenameLeavesTheOldFile) {
-    Faults::failReserve = true;  // the disk cannot hold the new file at all
-    EXPECT_FALSE(save());
-    expectOldFileAlone();
-    Faults::failReserve = false;
-    Faults::failFsync = true;
-    EXPECT_FALSE(save());
-    expectOldFileAlone();
-    Faults::failFsync = false;
-    Faults::failClose = true;
-    EXPECT_FALSE(save());
-    expectOldFileAlone();
-    Faults::failClose = false;
-    Faults::failRename = true;
-    EXPECT_FALSE(save());
-    expectOldFileAlone();
+    for (bool* fault : {&Faults::failReserve, &Faults::failFsync, &Faults::failClose, &Faults::failRename}) {
+        *fault = true;
+        EXPECT_FALSE(save());
+        expectOldFileAlone();
+        *fault = false;
+    }
 }
 
-TEST_F(SafeSave, ReadOnlyFolderRefusesTheSave) {
-    ASSERT_EQ(::chmod(dir.c_str(), 0555), 0);
-    // Run as an unprivileged user in a child process: the super-user writes anywhere.
-    EXPECT_EXIT(
-        {
-            if (::geteuid() == 0 && ::setuid(65534) != 0) std::_Exit(3);
-            std::_Exit(save() ? 1 : 0);
-        },
-        ::testing::ExitedWithCode(0), "");
-    ::chmod(dir.c_str(), 0700);
-    expectOldFileAlone();
-}
-
-TEST_F(SafeSave, ReadOnlyFileIsNotReplaced) {
-    ASSERT_EQ(::chmod(dir.c_str(), 0777), 0);
+TEST_F(SafeSave, FolderOrFileThatTakesNoWritesRefusesTheSave) {
+    ASSERT_EQ(::chmod(dir.path().c_str(), 0555), 0);
+    expectRefusedAsUser();
+    ASSERT_EQ(::chmod(dir.path().c_str(), 0777), 0);
     ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
-    EXPECT_EXIT(
-        {
-            if (::geteuid() == 0 && ::setuid(65534) != 0) std::_Exit(3);
-            std::_Exit(save() ? 1 : 0);
-        },
-        ::testing::ExitedWithCode(0), "");
-    expectOldFileAlone();
-}
-
-TEST_F(SafeSave, MissingFolderRefusesTheSave) {
-    EXPECT_FALSE(writeWaveChannels(dir + "/no/such/x.wav", wave.get(), nullptr, 8000, 2, 0, 1,
-                                   false));
-    EXPECT_FALSE(writeWaveChannels(dir + "/", wave.get(), nullptr, 8000, 2, 0, 1, false));
+    expectRefusedAsUser();
+    EXPECT_FALSE(writeWaveChannels(dir / "no/such/x.wav", wave.get(), nullptr, 8000, 2, 0, 1, false));
+    EXPECT_FALSE(writeWaveChannels(dir / "", wave.get(), nullptr, 8000, 2, 0, 1, false));
     expectOldFileAlone();
 }
 
 TEST_F(SafeSave, GoodSaveReplacesKeepsModeAndFollowsLinks) {
     ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
-    const std::string link = dir + "/link.wav";
-    fs::create_symlink("song.wav", link);
-    ASSERT_TRUE(writeWaveChannels(link, wave.get(), nullptr, 8000, 1, 0, 10, false));
-    EXPECT_TRUE(fs::is_symlink(link));
+    fs::create_symlink("song.wav", dir / "link.wav");
+    ASSERT_TRUE(writeWaveChannels(dir / "link.wav", wave.get(), nullptr, 8000, 1, 0, 10, false));
+    EXPECT_TRUE(fs::is_symlink(dir / "link.wav"));
     EXPECT_EQ(fs::file_size(path), 54u);
     struct stat st;
     ASSERT_EQ(::stat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 07777, 0640u);
     EXPECT_EQ(Faults::fsyncs, 1);
-
     // The play and record files are thrown away soon: no flush for them.
     ASSERT_TRUE(writeWaveChannels(path, wave.get(), nullptr, 8000, 1, 0, 10, true));
     EXPECT_EQ(Faults::fsyncs, 1);

@@ -21,44 +21,26 @@ TEST(Dicer, ThrowIsHighThenLowOfTwoDrawsPerDieInOrder) {
     EXPECT_EQ(d.value(5), 90091999u);    // 2749 * 32768 + 12767
 }
 
-TEST(Dicer, SeedZeroAndRethrowing) {
+TEST(Dicer, SeedZeroRethrowingAndTheFixedDivisor) {
     Dicer d;
     EXPECT_EQ(d.value(0), 0u);  // nothing thrown yet
     d.SeedDice(0);              // sequence 0, 21468, 9988, 22117, ...
     d.ThrowDice();
     EXPECT_EQ(d.value(0), 21468u);
     EXPECT_EQ(d.value(1), 9988u * 32768u + 22117u);
-    // A second throw continues the shared sequence: draws 13 and 14 are 5659 and 9758.
+    // 21468 / 1073676288 x (100 - -100) - 100; max < min turns the scale round.
+    EXPECT_DOUBLE_EQ(d.GetDie(0, 100.0, -100.0), 21468.0 / 1073676288.0 * 200.0 - 100.0);
+    EXPECT_DOUBLE_EQ(d.GetDie(0, 0.0, 1.0), 1.0 - 21468.0 / 1073676288.0);
+    // A second throw continues the shared sequence: draws 13 and 14 are 5659 and 9758, and
+    // after it the sequence goes on at the same place for the same seed.
     d.ThrowDice();
     EXPECT_EQ(d.value(0), 5659u * 32768u + 9758u);
-}
-
-TEST(Dicer, SameSeedSameThrowsAndNextDrawAfterwards) {
-    Dicer a, b;
-    a.SeedDice(4711);
-    std::uint32_t first[3][DICES];
-    for (auto& t : first) {
-        a.ThrowDice();
-        for (int i = 0; i < DICES; ++i) t[i] = a.value(i);
-    }
-    const int nextA = rand15();
-    b.SeedDice(4711);
-    for (auto& t : first) {
-        b.ThrowDice();
-        for (int i = 0; i < DICES; ++i) EXPECT_EQ(b.value(i), t[i]);
-    }
-    // Twelve draws per throw, no more: the sequence goes on at the same place.
-    EXPECT_EQ(rand15(), nextA);
-}
-
-TEST(Dicer, GetDieScalesByTheFixedDivisor) {
-    Dicer d;
+    const int next = rand15();
     d.SeedDice(0);
     d.ThrowDice();
-    // 21468 / 1073676288 x (100 - -100) - 100
-    EXPECT_DOUBLE_EQ(d.GetDie(0, 100.0, -100.0), 21468.0 / 1073676288.0 * 200.0 - 100.0);
-    // max < min is allowed and turns the scale round.
-    EXPECT_DOUBLE_EQ(d.GetDie(0, 0.0, 1.0), 1.0 - 21468.0 / 1073676288.0);
+    d.ThrowDice();
+    EXPECT_EQ(d.value(0), 5659u * 32768u + 9758u);
+    EXPECT_EQ(rand15(), next);
 }
 
 TEST(Dicer, GetDieCanPassMaxSlightlyButNeverGoesBelowMin) {

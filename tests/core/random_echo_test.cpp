@@ -10,7 +10,8 @@
 #include "core/dicer.h"
 #include "core/random15.h"
 #include "core/sound.h"
-#include "tests/support/recording_platform.h"
+#include "support/core_test_helpers.h"
+#include "support/recording_platform.h"
 
 namespace orv {
 namespace {
@@ -19,26 +20,17 @@ namespace {
 //   0.51389170848, 0.30865941877, 0.94766439976, 0.70225924464, 0.49478498123, 0.08390983391
 // and the second: 0.27724983342, 0.98350532167, ...
 
-WavePtr waveOf(const std::vector<int>& v) {
-    CancelFlag c{0};
-    WavePtr w = newWave(c, static_cast<std::int32_t>(v.size()));
-    for (std::size_t i = 0; i < v.size(); ++i) (*w)[static_cast<std::int32_t>(i)] = wrap16(v[i]);
-    return w;
-}
+using namespace test;
 
-std::unique_ptr<MonoSound> mono(const std::vector<int>& v, std::int32_t freq) {
-    return std::make_unique<MonoSound>(waveOf(v), freq);
+WavePtr waveOf(const Samples& v) { return makeWave(v); }
+std::unique_ptr<MonoSound> mono(const Samples& v, std::int32_t freq) {
+    return std::make_unique<MonoSound>(makeWave(v), freq);
 }
-
-std::vector<int> samples(const Wave* w) {
-    std::vector<int> out;
-    for (std::int32_t i = 0; i < w->getValues(); ++i) out.push_back((*w)[i]);
-    return out;
-}
+Samples samples(const Wave* w) { return samplesOf(w); }
 
 // Zeros of length n with the given (position, value) pairs.
-std::vector<int> sparse(std::size_t n, std::initializer_list<std::pair<std::size_t, int>> at) {
-    std::vector<int> v(n, 0);
+Samples sparse(std::size_t n, std::initializer_list<std::pair<std::size_t, int>> at) {
+    Samples v(n, 0);
     for (auto [i, x] : at) v[i] = x;
     return v;
 }
@@ -62,7 +54,7 @@ TEST(RandomEcho, EchoesArePlacedByTheTimeDieInASilentSpan) {
     EXPECT_EQ(r->Freq, 1000);
     EXPECT_EQ(samples(r->GetLeftWave()),
               sparse(1001, {{277, 1000}, {278, 2000}, {513, 1000}, {514, 2000}}));
-    EXPECT_EQ(samples(src->WaveMiddle), (std::vector<int>{1000, 2000}));
+    EXPECT_EQ(samples(src->WaveMiddle), (Samples{1000, 2000}));
     EXPECT_FALSE(isCancelled(cancel));
 }
 
@@ -91,10 +83,10 @@ TEST(RandomEcho, TwoPropertiesOnOneDieMoveTogether) {
     many.count = 12;
     many.seed = 77;
     SoundPtr c = RandomEcho(&cancel, *impulse, many);
-    const std::vector<int> got = samples(c->GetLeftWave());
+    const Samples got = samples(c->GetLeftWave());
     Dicer d;
     d.SeedDice(77);
-    std::vector<int> expected(got.size(), 0);
+    Samples expected(got.size(), 0);
     for (int k = 0; k < 12; ++k) {
         d.ThrowDice();
         const double g = d.GetDie(0, 1.0, 0.0);
@@ -130,18 +122,18 @@ TEST(RandomEcho, CyclableWrapsTheTailToTheStartOtherwiseTheResultGrows) {
     RandomEchoParams p = params(1, 1, 1.0);  // position trunc(10 x 0.5139) = 5, span 11
     p.cyclable = true;
     SoundPtr loop = RandomEcho(&cancel, *src, p);
-    EXPECT_EQ(samples(loop->GetLeftWave()), (std::vector<int>{7, 8, 0, 0, 0, 1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(samples(loop->GetLeftWave()), (Samples{7, 8, 0, 0, 0, 1, 2, 3, 4, 5, 6}));
 
     p.cyclable = false;
     SoundPtr grown = RandomEcho(&cancel, *src, p);
     EXPECT_EQ(samples(grown->GetLeftWave()),
-              (std::vector<int>{0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8}));
+              (Samples{0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8}));
 
     // An echo longer than the loop goes round it more than once.
-    auto longer = mono(std::vector<int>(25, 1), 10);
+    auto longer = mono(Samples(25, 1), 10);
     p.cyclable = true;
     SoundPtr twice = RandomEcho(&cancel, *longer, p);  // 25 samples over 11: 3,2,2,...
-    EXPECT_EQ(samples(twice->GetLeftWave()), (std::vector<int>{2, 2, 2, 2, 2, 3, 3, 3, 2, 2, 2}));
+    EXPECT_EQ(samples(twice->GetLeftWave()), (Samples{2, 2, 2, 2, 2, 3, 3, 3, 2, 2, 2}));
 }
 
 TEST(RandomEcho, LoudEchoesAtOnePlaceWrapInsteadOfClipping) {
@@ -149,12 +141,12 @@ TEST(RandomEcho, LoudEchoesAtOnePlaceWrapInsteadOfClipping) {
     auto src = mono({30000, -30000, 7}, 1000);
     // No time difference: every echo starts at 0; the one-sample span grows to fit.
     SoundPtr r = RandomEcho(&cancel, *src, params(2, 5, 0.0));
-    EXPECT_EQ(samples(r->GetLeftWave()), (std::vector<int>{-5536, 5536, 14}));
+    EXPECT_EQ(samples(r->GetLeftWave()), (Samples{-5536, 5536, 14}));
 
     RandomEchoParams p = params(2, 5, 0.0);
     p.cyclable = true;  // a loop of one sample takes everything: 2 x (30000 - 30000 + 7)
     SoundPtr folded = RandomEcho(&cancel, *src, p);
-    EXPECT_EQ(samples(folded->GetLeftWave()), (std::vector<int>{14}));
+    EXPECT_EQ(samples(folded->GetLeftWave()), (Samples{14}));
 }
 
 TEST(RandomEcho, RandomEnvelopesMapToTimeVolumeLengthAndTempo) {
@@ -183,14 +175,14 @@ TEST(RandomEcho, RandomEnvelopesMapToTimeVolumeLengthAndTempo) {
     q.lengthEnvelope = top.get();
     SoundPtr doubled = RandomEcho(&cancel, *src, q);
     EXPECT_EQ(samples(doubled->GetLeftWave()),
-              (std::vector<int>{0, 50, 100, 150, 200, 250, 300, 150}));
+              (Samples{0, 50, 100, 150, 200, 250, 300, 150}));
     // An envelope without samples reads 0: 2 ^ 0 leaves the length.
     MonoSound none(1000);
     q.lengthEnvelope = &none;
     EXPECT_EQ(RandomEcho(&cancel, *src, q)->GetValues(), 4);
 
     // Tempo: 2 ^ 1 plays 1000 samples through in 500; pitch alone keeps the length.
-    std::vector<int> ramp(1000);
+    Samples ramp(1000);
     for (int i = 0; i < 1000; ++i) ramp[static_cast<std::size_t>(i)] = i;
     auto longSrc = mono(ramp, 1000);
     RandomEchoParams t = params(1, 1, 0.0);
@@ -205,8 +197,8 @@ TEST(RandomEcho, RandomEnvelopesMapToTimeVolumeLengthAndTempo) {
     // Pitch 2 ^ 1 in blocks of 0.04 s = 40 samples: each block reads the ramp at step 2
     // from where the tempo (1) says it should be.
     const Wave& w = *up->GetLeftWave();
-    EXPECT_EQ((std::vector<int>{w[0], w[1], w[39], w[40], w[41], w[80]}),
-              (std::vector<int>{0, 2, 78, 40, 42, 80}));
+    EXPECT_EQ((Samples{w[0], w[1], w[39], w[40], w[41], w[80]}),
+              (Samples{0, 2, 78, 40, 42, 80}));
 }
 
 // Everything switched on: envelopes, filter and time-difference balance, crossfaded
@@ -215,7 +207,7 @@ struct Busy {
     std::unique_ptr<MonoSound> src, rising, falling;
     RandomEchoParams p;
     Busy() {
-        std::vector<int> noise(3000), up(50), down(50);
+        Samples noise(3000), up(50), down(50);
         srand15(3);
         for (auto& x : noise) x = rand15() - 16384;
         for (int i = 0; i < 50; ++i) {
@@ -247,7 +239,7 @@ struct Busy {
 
 TEST(RandomEcho, SameSeedSameResultSampleForSample) {
     Busy b;
-    const std::vector<int> before = samples(b.src->WaveMiddle);
+    const Samples before = samples(b.src->WaveMiddle);
     CancelFlag cancel{0};
     SoundPtr first = RandomEcho(&cancel, *b.src, b.p);
     for (int i = 0; i < 100; ++i) rand15();  // whatever ran in between
@@ -265,65 +257,39 @@ TEST(RandomEcho, SameSeedSameResultSampleForSample) {
     EXPECT_NE(samples(first->GetLeftWave()), samples(other->GetLeftWave()));
 }
 
-struct RaiseAfter {
-    CancelFlag* flag;
-    int chunksLeft;
-    int chunksSeen = 0;
-    static void hook(void* ctx, std::int32_t, std::int32_t) {
-        auto* self = static_cast<RaiseAfter*>(ctx);
-        ++self->chunksSeen;
-        if (--self->chunksLeft == 0) setCancelled(*self->flag);
-    }
-};
-
-TEST(RandomEcho, CancelGivesNoResultAndLeavesTheSourceAlone) {
+TEST(RandomEcho, CancelOrMemoryFailureGivesNoResultAndLeavesTheSourceAlone) {
     Busy b;
-    const std::vector<int> before = samples(b.src->WaveMiddle);
-    CancelFlag free{0};
-    RaiseAfter all{&free, -1};
-    setChunkHook(&RaiseAfter::hook, &all);
-    ASSERT_TRUE(RandomEcho(&free, *b.src, b.p));
-    setChunkHook(nullptr, nullptr);
-    ASSERT_GT(all.chunksSeen, 10);
+    const Samples before = samples(b.src->WaveMiddle);
+    int chunksSeen = 0;
+    {
+        CancelFlag free{0};
+        ChunkHookScope all;
+        ASSERT_TRUE(RandomEcho(&free, *b.src, b.p));
+        chunksSeen = int(all.chunks.size());
+    }
+    ASSERT_GT(chunksSeen, 10);
     // At the first chunk, half way, and at the very last chunk of the last mix.
-    for (int after : {1, all.chunksSeen / 2, all.chunksSeen}) {
+    for (int after : {1, chunksSeen / 2, chunksSeen}) {
         CancelFlag cancel{0};
-        RaiseAfter raise{&cancel, after};
-        setChunkHook(&RaiseAfter::hook, &raise);
-        SoundPtr r = RandomEcho(&cancel, *b.src, b.p);
-        setChunkHook(nullptr, nullptr);
-        EXPECT_EQ(r, nullptr) << after;
-        EXPECT_TRUE(isCancelled(cancel));
+        ChunkHookScope raise(cancel, -1, after);
+        EXPECT_EQ(RandomEcho(&cancel, *b.src, b.p), nullptr) << after;
         EXPECT_EQ(samples(b.src->WaveMiddle), before);
     }
-    // Already set: nothing runs at all.
-    CancelFlag set{1};
-    RaiseAfter count{&set, -1};
-    setChunkHook(&RaiseAfter::hook, &count);
-    EXPECT_EQ(RandomEcho(&set, *b.src, b.p), nullptr);
-    setChunkHook(nullptr, nullptr);
-    EXPECT_EQ(count.chunksSeen, 0);
-}
-
-int allocationsLeft = 0;
-void* failingAllocator(std::size_t bytes) {
-    return allocationsLeft-- > 0 ? std::malloc(bytes) : nullptr;
-}
-
-TEST(RandomEcho, MemoryFailureAnywhereGivesNoResultAndOneMessage) {
-    Busy b;
+    {
+        CancelFlag set{1};  // already set: nothing runs at all
+        ChunkHookScope count;
+        EXPECT_EQ(RandomEcho(&set, *b.src, b.p), nullptr);
+        EXPECT_TRUE(count.chunks.empty());
+    }
     for (int allowed : {0, 5, 30}) {
         test::RecordingPlatformScope rec;
         CancelFlag cancel{0};
-        allocationsLeft = allowed;
-        const SampleAllocator old = setSampleAllocator(&failingAllocator);
-        SoundPtr r = RandomEcho(&cancel, *b.src, b.p);
-        setSampleAllocator(old);
-        EXPECT_EQ(r, nullptr) << allowed;
+        AllocatorScope fail(allowed);
+        EXPECT_EQ(RandomEcho(&cancel, *b.src, b.p), nullptr) << allowed;
         EXPECT_TRUE(isCancelled(cancel));
         ASSERT_EQ(rec.recorder.messages.size(), 1u) << allowed;
         EXPECT_EQ(rec.recorder.messages[0].caption, "System Error");
-        EXPECT_EQ(rec.recorder.messages[0].text, "There is not enough memmory for this operation.");
+        EXPECT_EQ(rec.recorder.messages[0].text, kNoMemory);
     }
 }
 
@@ -340,30 +306,16 @@ TEST(RandomEchoDeathTest, RefusesWhatTheDialogNeverSends) {
     EXPECT_DEATH(RandomEcho(&cancel, *src, p), "Assertion failed: dice < DICES, unit dicer");
 }
 
-// The two in-place mixes that place each echo.
-TEST(EchoMixing, PlainStopsAtTheEndCyclicGoesOnAtTheStartBothWrapIn16Bits) {
+// The cyclic mix that places each echo goes round a short sound more than once, wrapping.
+TEST(EchoMixing, CyclicGoesRoundMoreThanOnce) {
     CancelFlag cancel{0};
-    auto other = mono({100, 30000, 3}, 1000);
-
-    auto plain = mono({30000, 5, 7}, 1000);
-    plain->MixCycleSimple(&cancel, other.get(), 2);
-    EXPECT_EQ(samples(plain->WaveMiddle), (std::vector<int>{30000, 5, 107}));
-
-    auto cyclic = mono({30000, 5, 7}, 1000);
-    cyclic->MixCycleAfterThis(&cancel, other.get(), 2);
-    EXPECT_EQ(samples(cyclic->WaveMiddle), (std::vector<int>{-5536, 8, 107}));
-
-    // Round more than once: 3 samples into a 2-sample sound from 1.
     auto tiny = mono({0, 0}, 1000);
-    tiny->MixCycleAfterThis(&cancel, other.get(), 1);
-    EXPECT_EQ(samples(tiny->WaveMiddle), (std::vector<int>{30000, 103}));
-
-    // Stereo: a mono echo feeds both channels.
+    tiny->MixCycleAfterThis(&cancel, mono({100, 30000, 3}, 1000).get(), 1);
+    EXPECT_EQ(samples(tiny->WaveMiddle), (Samples{30000, 103}));
     StereoSound st(waveOf({1, 2}), waveOf({-32768, 4}), 1000);
-    auto neg = mono({-1, 10, 20}, 1000);
-    st.MixCycleAfterThis(&cancel, neg.get(), 0);
-    EXPECT_EQ(samples(st.WaveLeft), (std::vector<int>{20, 12}));
-    EXPECT_EQ(samples(st.WaveRight), (std::vector<int>{-32749, 14}));  // -32768 - 1 wraps
+    st.MixCycleAfterThis(&cancel, mono({-1, 10, 20}, 1000).get(), 0);
+    EXPECT_EQ(samples(st.WaveLeft), (Samples{20, 12}));
+    EXPECT_EQ(samples(st.WaveRight), (Samples{-32749, 14}));  // -32768 - 1 wraps
 }
 
 }  // namespace

@@ -7,36 +7,16 @@
 
 #include "core/filter.h"
 #include "core/sound.h"
+#include "support/core_test_helpers.h"
 #include "support/recording_platform.h"
 
 namespace orv {
 namespace {
 
-using Vals = std::vector<int>;
+using namespace test;
+using Vals = Samples;
 
-WavePtr wav(const Vals& v) {
-    CancelFlag c{0};
-    WavePtr w = v.empty() ? std::make_unique<Wave>() : newWave(c, std::int32_t(v.size()));
-    for (std::size_t i = 0; i < v.size(); ++i) (*w)[std::int32_t(i)] = WaveVal(v[i]);
-    return w;
-}
-
-Vals vals(const Wave* w) {
-    Vals v;
-    for (std::int32_t i = 0; i < w->getValues(); ++i) v.push_back((*w)[i]);
-    return v;
-}
-
-SoundPtr mono(const Vals& v, std::int32_t freq = 1000) {
-    return std::make_unique<MonoSound>(wav(v), freq);
-}
-
-SoundPtr stereo(const Vals& l, const Vals& r, std::int32_t freq = 1000) {
-    return std::make_unique<StereoSound>(wav(l), wav(r), freq);
-}
-
-Vals left(const SoundPtr& s) { return vals(s->GetLeftWave()); }
-Vals right(const SoundPtr& s) { return vals(s->GetRightWave()); }
+Vals vals(const Wave* w) { return samplesOf(w); }
 
 class StereoOpsTest : public ::testing::Test {
 protected:
@@ -46,28 +26,19 @@ protected:
 
 // ---- balance by level ---------------------------------------------------------------------
 
-TEST_F(StereoOpsTest, CentreWithVolumeGivesHalfLevelOnBothSides) {
+TEST_F(StereoOpsTest, BalanceByLevel) {
     auto r = mono({1000, -2000, 3}, 8000)->Balance(c, 0.0, false, true, false);
-    ASSERT_NE(r, nullptr);
-    EXPECT_EQ(r->MoSt, 2);
-    EXPECT_EQ(r->Freq, 8000);
-    EXPECT_EQ(left(r), (Vals{500, -1000, 1}));
+    EXPECT_EQ(std::pair(int(r->MoSt), r->Freq), std::pair(2, 8000));
+    EXPECT_EQ(left(r), (Vals{500, -1000, 1}));  // the centre: half level on both sides
     EXPECT_EQ(right(r), (Vals{500, -1000, 1}));
-}
-
-TEST_F(StereoOpsTest, FullyRightWithVolumeSilencesTheLeft) {
-    auto r = mono({1000, -2000, 3})->Balance(c, 1.0, false, true, false);
+    r = mono({1000, -2000, 3})->Balance(c, 1.0, false, true, false);
     EXPECT_EQ(left(r), (Vals{0, 0, 0}));
     EXPECT_EQ(right(r), (Vals{1000, -2000, 3}));
-    auto l = mono({1000, -2000, 3})->Balance(c, -0.5, false, true, false);
-    EXPECT_EQ(left(l), (Vals{750, -1500, 2}));
-    EXPECT_EQ(right(l), (Vals{250, -500, 0}));
-}
-
-TEST_F(StereoOpsTest, WithoutOptionsBothChannelsAreTheFirstWave) {
-    // A stereo receiver is balanced from its left channel.
-    auto r = stereo({1, 2}, {9, 9})->Balance(c, 0.7, false, false, false);
-    EXPECT_EQ(left(r), (Vals{1, 2}));
+    r = mono({1000, -2000, 3})->Balance(c, -0.5, false, true, false);
+    EXPECT_EQ(left(r), (Vals{750, -1500, 2}));
+    EXPECT_EQ(right(r), (Vals{250, -500, 0}));
+    // Without options both channels are copies of the first wave (the left of a stereo one).
+    r = stereo({1, 2}, {9, 9})->Balance(c, 0.7, false, false, false);
     EXPECT_EQ(right(r), (Vals{1, 2}));
     EXPECT_NE(r->GetLeftWave(), r->GetRightWave());
 }
@@ -131,10 +102,6 @@ TEST_F(StereoOpsTest, FilterCurveUsesWholeSamplePeriods) {
     // Below 20000 Hz of sample frequency the period of 20 kHz is 0: the top code.
     auto low = balanceFilterCurve(cancel, 11025);
     EXPECT_EQ((*low)[0], 32767);
-}
-
-TEST_F(StereoOpsTest, FilterPeriodFollowsTheCurve) {
-    auto curve = balanceFilterCurve(cancel, 44100);
     EXPECT_DOUBLE_EQ(balanceFilterPeriod(*curve, 44100, -1.0), 2.205);  // 20 kHz
     EXPECT_NEAR(balanceFilterPeriod(*curve, 44100, 1.0), 125.98892635068, 1e-9);
 }
@@ -143,7 +110,7 @@ TEST_F(StereoOpsTest, FilterOptionLowPassesEachSideAndLogs) {
     test::RecordingPlatformScope rec;
     Vals v;
     for (int i = 0; i < 50; ++i) v.push_back(i % 2 ? 12000 : -12000);
-    auto src = wav(v);
+    auto src = makeWave(v);
     auto r = mono(v, 44100)->Balance(c, -1.0, false, false, true);
     ASSERT_NE(r, nullptr);
     auto curve = balanceFilterCurve(cancel, 44100);
@@ -164,21 +131,17 @@ TEST_F(StereoOpsTest, FilterOptionLowPassesEachSideAndLogs) {
 
 TEST_F(StereoOpsTest, EnvelopeLevels) {
     auto src = mono({1000, 1000});
-    // e = 0: level 16383 on both sides.
-    auto mid = src->BalanceEnv(c, mono({0, 0}).get(), false, true, false);
-    EXPECT_EQ(left(mid), (Vals{499, 499}));
-    EXPECT_EQ(right(mid), (Vals{499, 499}));
-    // e = 32767: left level -0.5 (cut to 0), right 32766.
-    auto r = src->BalanceEnv(c, mono({32767, 32767}).get(), false, true, false);
-    EXPECT_EQ(left(r), (Vals{0, 0}));
-    EXPECT_EQ(right(r), (Vals{999, 999}));
-    // e = -32768: left 32767, right -1.
-    auto l = src->BalanceEnv(c, mono({-32768, -32768}).get(), false, true, false);
-    EXPECT_EQ(left(l), (Vals{1000, 1000}));
-    EXPECT_EQ(right(l), (Vals{0, 0}));
-    // A stereo envelope is read as its left channel.
-    auto s = src->BalanceEnv(c, stereo({0, 0}, {32767, 32767}).get(), false, true, false);
-    EXPECT_EQ(right(s), (Vals{499, 499}));
+    // e = 0: level 16383 on both sides; e = 32767: left -0.5 (cut to 0), right 32766;
+    // e = -32768: left 32767, right -1 (cut to 0). A stereo envelope is read as its left.
+    SoundPtr envs[] = {mono({0, 0}), mono({32767, 32767}), mono({-32768, -32768}),
+                       stereo({0, 0}, {32767, 32767})};
+    const Vals want[] = {{499, 499}, {0, 999}, {1000, 0}, {499, 499}};
+    for (int i = 0; i < 4; ++i) {
+        const Vals& lr = want[i];
+        auto r = src->BalanceEnv(c, envs[i].get(), false, true, false);
+        EXPECT_EQ(left(r), Vals(2, lr[0]));
+        EXPECT_EQ(right(r), Vals(2, lr[1]));
+    }
 }
 
 TEST_F(StereoOpsTest, EnvelopeTimeDifferenceMakesRoomForTheLargestDelay) {
@@ -200,14 +163,17 @@ TEST_F(StereoOpsTest, EnvelopeFilterMatchesTheConstantFormAtTheEnds) {
     ASSERT_EQ(le.size(), lc.size());
     ASSERT_EQ(re.size(), rc.size());
     for (std::size_t i = 0; i < le.size(); ++i) {
-        EXPECT_NEAR(le[i], lc[i], 1) << i;
-        EXPECT_NEAR(re[i], rc[i], 1) << i;
+        ASSERT_NEAR(le[i], lc[i], 1) << i;
+        ASSERT_NEAR(re[i], rc[i], 1) << i;
     }
     EXPECT_NE(le, re);
 }
 
-TEST_F(StereoOpsTest, EmptyEnvelopeIsAnError) {
+TEST_F(StereoOpsTest, EmptyEnvelopeOrSoundIsAnError) {
     EXPECT_DEATH(mono({1})->BalanceEnv(c, mono({}).get(), false, true, false),
+                 "Assertion failed: GetValues\\(\\) != 0, unit sound");
+    StereoSound empty(1000);
+    EXPECT_DEATH(empty.MixLeftRight(c, 1, 0, 0, 1, 0, E{-1}),
                  "Assertion failed: GetValues\\(\\) != 0, unit sound");
 }
 
@@ -239,14 +205,14 @@ TEST_F(StereoOpsTest, ExamplesAppliedToOneSample) {
 }
 
 TEST_F(StereoOpsTest, MatrixWorksOnTheRangeOnlyAndWraps) {
-    StereoSound st(wav({1, 2, 3}), wav({4, 5, 6}), 1000);
+    StereoSound st(makeWave({1, 2, 3}), makeWave({4, 5, 6}), 1000);
     std::int32_t end = 2;
     auto swapped = st.MixLeftRight(c, 0, 1, 1, 0, 1, end);
-    EXPECT_EQ(left(swapped), (Vals{1, 5, 3}));
-    EXPECT_EQ(right(swapped), (Vals{4, 2, 6}));
+    EXPECT_EQ(samplesOf(swapped->GetLeftWave()), (Vals{1, 5, 3}));
+    EXPECT_EQ(samplesOf(swapped->GetRightWave()), (Vals{4, 2, 6}));
     EXPECT_EQ(end, 2);
 
-    StereoSound loud(wav({30000, 1001}), wav({30000, 2}), 1000);
+    StereoSound loud(makeWave({30000, 1001}), makeWave({30000, 2}), 1000);
     end = -1;
     auto sum = loud.MixLeftRight(c, 1, 1, 1, 1, 0, end);
     EXPECT_EQ(left(sum), (Vals{-5536, 1003}));
@@ -257,50 +223,28 @@ TEST_F(StereoOpsTest, MatrixWorksOnTheRangeOnlyAndWraps) {
     EXPECT_EQ(right(monoEx), (Vals{30000, 501}));
 }
 
-TEST_F(StereoOpsTest, MatrixOnAnEmptySoundIsAnError) {
-    StereoSound empty(1000);
-    std::int32_t end = -1;
-    EXPECT_DEATH(empty.MixLeftRight(c, 1, 0, 0, 1, 0, end),
-                 "Assertion failed: GetValues\\(\\) != 0, unit sound");
-}
-
 // ---- split and merge -----------------------------------------------------------------------
 
-TEST_F(StereoOpsTest, MergeTakesEachSoundsMonoWave) {
-    auto a = mono({1, 2}, 8000);
-    auto b = stereo({3, 4}, {5, 6}, 4000);
-    auto m = MergeToStereo(c, *a, *b);
-    ASSERT_NE(m, nullptr);
-    EXPECT_EQ(m->Freq, 8000);
-    EXPECT_EQ(left(m), (Vals{1, 2}));
-    EXPECT_EQ(right(m), (Vals{3, 4}));
-    EXPECT_DEATH(MergeToStereo(c, *a, *mono({1})),
-                 "Assertion failed: waveLeft->getValues\\(\\) == waveRight->getValues\\(\\), "
-                 "unit sound");
-}
-
-TEST_F(StereoOpsTest, SplitGivesTwoIndependentMonoSounds) {
+TEST_F(StereoOpsTest, SplitAndMergeRoundTrip) {
     auto st = stereo({1, 2}, {3, 4}, 8000);
     auto [l, r] = SplitToMono(c, *st);
-    ASSERT_NE(l, nullptr);
-    ASSERT_NE(r, nullptr);
-    EXPECT_EQ(l->MoSt, 1);
-    EXPECT_EQ(r->Freq, 8000);
-    EXPECT_EQ(left(l), (Vals{1, 2}));
+    ASSERT_TRUE(l && r);
+    EXPECT_EQ(std::pair(int(l->MoSt), r->Freq), std::pair(1, 8000));
     EXPECT_EQ(left(r), (Vals{3, 4}));
     EXPECT_NE(l->GetLeftWave(), st->GetLeftWave());
-    // And back again.
     auto back = MergeToStereo(c, *l, *r);
     EXPECT_EQ(left(back), (Vals{1, 2}));
     EXPECT_EQ(right(back), (Vals{3, 4}));
-}
-
-TEST_F(StereoOpsTest, CancelledBalanceGivesNoSound) {
+    // Merging takes each sound's mono wave and the first one's frequency.
+    auto m = MergeToStereo(c, *mono({1, 2}, 8000), *stereo({3, 4}, {5, 6}, 4000));
+    EXPECT_EQ(m->Freq, 8000);
+    EXPECT_EQ(right(m), (Vals{3, 4}));
+    EXPECT_DEATH(MergeToStereo(c, *l, *mono({1})),
+                 "Assertion failed: waveLeft->getValues\\(\\) == waveRight->getValues\\(\\), "
+                 "unit sound");
     cancel = 1;
     EXPECT_EQ(mono({1, 2})->Balance(c, 0.0, true, true, false), nullptr);
-    auto [l, r] = SplitToMono(c, *stereo({1}, {2}));
-    EXPECT_EQ(l, nullptr);
-    EXPECT_EQ(r, nullptr);
+    EXPECT_EQ(SplitToMono(c, *st).first, nullptr);
 }
 
 }  // namespace

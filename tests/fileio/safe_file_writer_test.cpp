@@ -24,14 +24,8 @@ struct Faults {
     static inline int fsyncs = 0;
 
     static ssize_t write(int fd, const void* data, std::size_t bytes) {
-        if (budget == 0) {
-            errno = ENOSPC;
-            return -1;
-        }
-        if (budget > 0) {
-            bytes = std::min<std::size_t>(bytes, std::size_t(budget));
-            budget -= long(bytes);
-        }
+        if (budget == 0) return errno = ENOSPC, -1;
+        if (budget > 0) budget -= long(bytes = std::min<std::size_t>(bytes, std::size_t(budget)));
         return ::write(fd, data, bytes);
     }
     static int fallocate(int fd, off_t offset, off_t bytes) {

@@ -17,6 +17,24 @@ std::string padded(std::string_view s, std::size_t width) {
     return out + " ";
 }
 
+// A record shown for a listing only: it is never accepted, so the reading side of the form
+// is not needed here.
+template <class R>
+class ListedRecord final : public FormView {
+public:
+    explicit ListedRecord(const R& record) : record_(record) {}
+    const FormSpec& spec() const override { return R::table(); }
+    FormState show(const WaveNameLookup* names) const override {
+        return showRecord(R::table(), record_, names);
+    }
+    std::optional<FormError> accept(const FormState&, const FormContext&) override {
+        return FormError{std::string(kUsageErrorCaption), "", "A listing is not accepted."};
+    }
+
+private:
+    const R& record_;
+};
+
 bool runsHere(const ActionDef& a) {
     return a.flow != ActionFlow::Front && a.flow != ActionFlow::Inert;
 }
@@ -95,12 +113,10 @@ bool actionHelpText(Workspace& ws, std::string_view action, std::string& text) {
     if (def->name == "FileProperties") {
         WaveFilePropsRecord record(
             WaveFileProps{unit.getFreq(), unit.getMonoStereo(), unit.getBytesPSample()});
-        RecordForm<WaveFilePropsRecord> form(record);
-        fields = describeForm(form, &from);
+        fields = describeForm(ListedRecord<WaveFilePropsRecord>(record), &from);
     } else if (def->name == "Register") {
         RegisterRecord record(unit.getName());
-        RecordForm<RegisterRecord> form(record);
-        fields = describeForm(form, &from);
+        fields = describeForm(ListedRecord<RegisterRecord>(record), &from);
     } else if (def->name == "FileOpenWave" || def->name == "FileSaveAs") {
         fields = "File (text) = \n";
     } else if (std::unique_ptr<FormView> form = from.actionForm(def->name)) {

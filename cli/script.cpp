@@ -41,7 +41,14 @@ bool isExportFormatName(std::string_view word) {
     return false;
 }
 
-std::string quoted(std::string_view s) { return "\"" + std::string(s) + "\""; }
+std::string quoted(std::string_view s) {
+    std::string out;
+    out.reserve(s.size() + 2);
+    out += '"';
+    out += s;
+    out += '"';
+    return out;
+}
 
 }  // namespace
 

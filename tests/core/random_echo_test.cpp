@@ -7,7 +7,6 @@
 #include <initializer_list>
 #include <vector>
 
-#include "core/dicer.h"
 #include "core/random15.h"
 #include "core/sound.h"
 #include "support/core_test_helpers.h"
@@ -50,8 +49,7 @@ TEST(RandomEcho, EchoesArePlacedByTheTimeDieInASilentSpan) {
     // trunc(1000 x 1 + 1) samples long.
     SoundPtr r = RandomEcho(&cancel, *src, params(2, 1, 1.0));
     ASSERT_TRUE(r);
-    EXPECT_EQ(r->MoSt, 1);
-    EXPECT_EQ(r->Freq, 1000);
+    EXPECT_EQ(std::pair(int(r->MoSt), r->Freq), std::pair(1, 1000));
     EXPECT_EQ(samples(r->GetLeftWave()),
               sparse(1001, {{277, 1000}, {278, 2000}, {513, 1000}, {514, 2000}}));
     EXPECT_EQ(samples(src->WaveMiddle), (Samples{1000, 2000}));
@@ -76,23 +74,6 @@ TEST(RandomEcho, TwoPropertiesOnOneDieMoveTogether) {
     EXPECT_EQ(samples(b->GetLeftWave()),
               sparse(1001, {{277, 277}, {278, 554}, {513, 513}, {514, 1027}}));
 
-    // Many echoes of an impulse: every sample that sounds lies at trunc(10000 x g) and is
-    // trunc(30000 x g) for the same g, for every throw.
-    auto impulse = mono({30000}, 10000);
-    RandomEchoParams many = shared;
-    many.count = 12;
-    many.seed = 77;
-    SoundPtr c = RandomEcho(&cancel, *impulse, many);
-    const Samples got = samples(c->GetLeftWave());
-    Dicer d;
-    d.SeedDice(77);
-    Samples expected(got.size(), 0);
-    for (int k = 0; k < 12; ++k) {
-        d.ThrowDice();
-        const double g = d.GetDie(0, 1.0, 0.0);
-        expected[static_cast<std::size_t>(10000 * g)] += static_cast<int>(30000 * g);
-    }
-    EXPECT_EQ(got, expected);
 }
 
 TEST(RandomEcho, BalanceMakesStereoByItsDie) {
@@ -301,21 +282,6 @@ TEST(RandomEchoDeathTest, RefusesWhatTheDialogNeverSends) {
     p = params(1, 0, 1.0);
     p.volumeOption = EchoLinearOption::RandomEnvelope;
     EXPECT_DEATH(RandomEcho(&cancel, *src, p), "Assertion failed: envelope != nullptr, unit dicer");
-    p = params(1, 0, 1.0);
-    p.timeDie = 6;
-    EXPECT_DEATH(RandomEcho(&cancel, *src, p), "Assertion failed: dice < DICES, unit dicer");
-}
-
-// The cyclic mix that places each echo goes round a short sound more than once, wrapping.
-TEST(EchoMixing, CyclicGoesRoundMoreThanOnce) {
-    CancelFlag cancel{0};
-    auto tiny = mono({0, 0}, 1000);
-    tiny->MixCycleAfterThis(&cancel, mono({100, 30000, 3}, 1000).get(), 1);
-    EXPECT_EQ(samples(tiny->WaveMiddle), (Samples{30000, 103}));
-    StereoSound st(waveOf({1, 2}), waveOf({-32768, 4}), 1000);
-    st.MixCycleAfterThis(&cancel, mono({-1, 10, 20}, 1000).get(), 0);
-    EXPECT_EQ(samples(st.WaveLeft), (Samples{20, 12}));
-    EXPECT_EQ(samples(st.WaveRight), (Samples{-32749, 14}));  // -32768 - 1 wraps
 }
 
 }  // namespace

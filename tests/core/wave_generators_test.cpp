@@ -160,11 +160,6 @@ TEST_F(Generators, ChecksNameTheFailedExpressionDeathTest) {
     EXPECT_DEATH(base->makeExpLine(c, 0, 2, 3, 0, E{0}),
                  "Assertion failed: double\\(begin\\) \\* end > 0, unit wave");
     EXPECT_DEATH(base->makeLine(c, 1, 2, 3, 0, E{5}), "Assertion failed: endt <= values, unit wave");
-    EXPECT_DEATH(base->makeNoise(c, 1, 3, 1, E{0}), "Assertion failed: begint <= endt, unit wave");
-    EXPECT_DEATH(base->makeBlockTriangle(c, 1, 2, 4, 1.5, 3, 0, false, 0, E{0}),
-                 "Assertion failed: middle <= 1, unit wave");
-    EXPECT_DEATH(base->makeSinus(c, 1, 2, 4, 1, 1, 0, E{0}),
-                 "Assertion failed: startAngle < 1, unit wave");
     EXPECT_DEATH(base->makeForm(c, base.get(), 0, 2, 0, 1, 0, 0, E{1}),
                  "Assertion failed: per != 0, unit wave");
 }

@@ -51,6 +51,14 @@ private:
 
 }  // namespace
 
+std::string wavNameFor(const std::string& file) {
+    const std::size_t slash = file.find_last_of('/');
+    const std::size_t dot = file.find_last_of('.');
+    const bool hasExtension =
+        dot != std::string::npos && (slash == std::string::npos || dot > slash + 1);
+    return (hasExtension ? file.substr(0, dot) : file) + ".wav";
+}
+
 ScriptRunner::ScriptRunner(std::ostream& out) : out_(out) {
     // The periodic generators read the one sine table made at start-up.
     createSinus();
@@ -218,8 +226,9 @@ int ScriptRunner::importStep(const Step& step) {
         showMessage(kFileErrorCaption, importFailureText(file, reason), MessageIcon::Information);
         return kExitFile;
     }
-    // An imported wave is kept with 16-bit samples and is not yet what its file holds.
-    TUnitWave& unit = ws_.add(std::make_unique<TUnitWave>(std::move(sound), 2, file));
+    // An imported wave is kept with 16-bit samples and is not yet what its file holds. Its
+    // own file name ends in ".wav", so that FileSave never writes WAV data into a FLAC file.
+    TUnitWave& unit = ws_.add(std::make_unique<TUnitWave>(std::move(sound), 2, wavNameFor(file)));
     unit.setChanged();
     return kExitOk;
 }

@@ -29,6 +29,10 @@ std::string helpText();
 // false with a message when there is no such action.
 bool actionHelpText(Workspace& ws, std::string_view action, std::string& text);
 
+// The file name an imported wave is saved under: the extension becomes ".wav"
+// ("song.flac" -> "song.wav"; ".hidden" and names without one get ".wav" added).
+std::string wavNameFor(const std::string& file);
+
 class ScriptRunner {
 public:
     // `out` takes what info, dump and help print.

@@ -321,6 +321,38 @@ TEST_F(RunnerTest, ImportMakesAChangedSixteenBitWave) {
         << lastMessage(rec.recorder);
 }
 
+TEST(ImportName, ExtensionBecomesWav) {
+    EXPECT_EQ(wavNameFor("/music/song.flac"), "/music/song.wav");
+    EXPECT_EQ(wavNameFor("take.1.ogg"), "take.1.wav");
+    EXPECT_EQ(wavNameFor("x.wav"), "x.wav");
+    EXPECT_EQ(wavNameFor("/a.b/noext"), "/a.b/noext.wav");
+    EXPECT_EQ(wavNameFor("dir/.hidden"), "dir/.hidden.wav");
+}
+
+TEST_F(RunnerTest, ExportAndImportRoundTrip) {
+    writeWav(dir / "s.wav", 11025, 2, {32767, -32768, 1, -1, 0, 12345});
+    for (const char* target : {"x.flac", "x24.wav"}) {
+        const std::string format = std::string(target) == "x24.wav" ? "wav24" : "";
+        std::vector<std::string> args = {"open", file("s.wav"), "export", file(target)};
+        if (!format.empty()) args.push_back(format);
+        EXPECT_EQ(run(args), kExitOk) << lastMessage(rec.recorder);
+        EXPECT_EQ(run({"import", file(target), "dump", "info"}), kExitOk)
+            << lastMessage(rec.recorder);
+        EXPECT_EQ(out.str(), "32767\t-32768\n1\t-1\n0\t12345\n"
+                             "0.00027 s\t11.100 kHz\t16\tST\t12 b\tChanged\t\n")
+            << target;
+    }
+    rec.recorder.messages.clear();
+    EXPECT_EQ(run({"open", file("s.wav"), "export", file("x.xyz")}), kExitFile);
+    ASSERT_EQ(rec.recorder.messages.size(), 1u);
+    EXPECT_EQ(rec.recorder.messages[0].caption, "File Error");
+    EXPECT_EQ(rec.recorder.messages[0].text.rfind("Cannot export the file: \"" + file("x.xyz") +
+                                                      "\", ",
+                                                  0),
+              0u);
+    EXPECT_FALSE(fs::exists(dir / "x.xyz"));
+}
+
 TEST_F(RunnerTest, HelpListsStepsActionsAndFormats) {
     EXPECT_EQ(run({"help"}), kExitOk);
     const std::string text = out.str();

@@ -8,7 +8,11 @@
 
 namespace orv {
 
-Workspace::Workspace() = default;
+Workspace::Workspace() {
+    // The sine table the generators read; made once per process, as at start-up. A failure
+    // has been reported by then ("Could not create sinus.").
+    createSinus();
+}
 
 Workspace::~Workspace() {
     closing_ = true;

@@ -60,6 +60,7 @@ inline constexpr std::string_view kCannotReadFile = "Cannot read the file: ";
 
 class Workspace final : public UnitHost {
 public:
+    // Makes the shared sine table if it is not there yet.
     Workspace();
     ~Workspace() override;
     Workspace(const Workspace&) = delete;

@@ -295,6 +295,49 @@ TEST_F(WorkspaceTest, CancelFromAnotherThreadLeavesEverythingAsItWas) {
     EXPECT_EQ(samplesOf(u)[10], 0);
 }
 
+// Every parameter-driven action runs with the dialog's defaults (and, where it reads one,
+// with an envelope), changes the wave, and is undone exactly.
+TEST_F(WorkspaceTest, EveryOperationRunsAndIsUndoneExactly) {
+    std::vector<int> v(3000);
+    for (int i = 0; i < 3000; ++i) v[i] = (i * 37) % 2000 - 1000;
+    TUnitWave& env = ws.add(std::make_unique<TUnitWave>(monoOf({-20000, 0, 30000}, 8000), 2, "e.wav"));
+    ASSERT_TRUE(ws.registerName(env, "env"));
+
+    struct Case {
+        const char* action;
+        TypedFields fields;
+        bool stereo = false;
+    };
+    const std::vector<Case> cases = {
+        {"MakeSilence", {}}, {"MakeLine", {}}, {"MakeBlock", {}}, {"MakeTriangle", {}},
+        {"MakeBlock", {{"Middle Envelope", "env"}}}, {"MakeSinus", {}}, {"MakeNoise", {}},
+        {"MakeMFreq", {}}, {"MakeMFreq", {{"Wave Form", "env"}}}, {"Volume", {}},
+        {"Volume", {{"Envelope", "env"}}}, {"Up", {}}, {"Block", {}}, {"RollOut", {}},
+        {"RollOut", {{"Speed Envelope Wave", "env"}}}, {"RollIn", {}}, {"Rotate", {}},
+        {"Length", {}}, {"Distort", {{"Distort Envelope", "env"}}}, {"Balance", {}},
+        {"Balance", {{"Direction Envelope", "env"}}}, {"MixLeftRight", {{"Example", "Swapped"}}, true},
+        {"PerEcho", {}}, {"PerEcho", {{"Echo Volume Envelope", "env"}}}, {"RndEcho", {}},
+        {"TempoPitch", {}}, {"TempoPitch", {{"Speed Envelope Wave", "env"}, {"Frequency Envelope Wave", "env"}}},
+        {"FilterBlock", {}}, {"FilterLow", {}},
+        {"FilterLow", {{"Envelope", "env"}, {"Maximize Volume", "on"}}}, {"FilterHigh", {}},
+        {"FilterRes", {}}, {"FilterNotch", {{"Frequency Width Envelope", "env"}}},
+    };
+    for (const Case& c : cases) {
+        SoundPtr sound = monoOf(v, 8000);
+        CancelFlag none{0};
+        if (c.stereo) sound = std::make_unique<StereoSound>(*sound, &none);
+        TUnitWave& u = ws.add(std::make_unique<TUnitWave>(std::move(sound), 2, "a.wav"));
+        const ActionResult r = ws.runAction(c.action, c.fields);
+        EXPECT_EQ(r.kind, ActionResult::Kind::Done) << c.action << ": " << r.text;
+        EXPECT_GT(u.values(), 0) << c.action;
+        EXPECT_EQ(u.getState(), kStateChanged) << c.action;
+        ASSERT_TRUE(ws.undo());
+        EXPECT_EQ(samplesOf(u), v) << c.action;
+        ws.close(u);
+    }
+    EXPECT_TRUE(shown().empty());
+}
+
 TEST_F(WorkspaceTest, ActionFormListsTheDocumentsRecord) {
     EXPECT_EQ(ws.actionForm("Volume"), nullptr);
     load({1});

@@ -68,8 +68,7 @@ bool TUnitWave::block(const BlockRecord& r) {
         levels = p.verticalCount;
     else if (p.vertical == BlockRecord::kTimeOrHeight && std::fabs(p.height.value) >= 1.0)
         levels = truncToInt(65535.0 / std::fabs(p.height.value)) + 1;
-    SoundPtr made = TheSound->Block(&cancel, blockTime * getFreq() >= 1.0 ? blockTime : 0.0,
-                                    levels, begin, end);
+    SoundPtr made = TheSound->Block(&cancel, blockTime, levels, begin, end);
     return takeResult(std::move(made), begin, end);
 }
 

@@ -283,6 +283,17 @@ ActionResult Workspace::runFile(const ActionDef& def, const TypedFields& fields)
         return {};
     }
     if (name == "FileSave") {
+        // A wave that was never saved has no file of its own yet: it needs a name first.
+        if (active_->isNew()) {
+            const std::string* file = typedValue(fields, "File");
+            if (!file || file->empty())
+                return refuse(ActionResult::Kind::InputError, kUsageErrorCaption,
+                              "FileSave needs the field File.");
+            if (!saveAs(*active_, *file))
+                return refuse(ActionResult::Kind::Refused, kSaveErrorCaption, kSaveErrorText,
+                              false);
+            return {};
+        }
         if (!save(*active_))
             return refuse(ActionResult::Kind::Refused, kSaveErrorCaption, kSaveErrorText, false);
         return {};

@@ -126,7 +126,8 @@ public:
     // Runs an action on the active document. Parameter-driven actions start from the
     // document's remembered record and apply `fields` ("Caption=Value" pairs, as
     // record_form.h reads them) in order; file actions take their file name from a field
-    // "File". The cancel flag of the document is cleared before the command starts.
+    // "File" (FileOpenWave, FileSaveAs, and FileSave of a wave that was never saved).
+    // The cancel flag of the document is cleared before the command starts.
     ActionResult runAction(std::string_view name, const TypedFields& fields = {});
 
     // The form an action reads, over the active document's remembered record (for

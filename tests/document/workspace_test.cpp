@@ -97,12 +97,20 @@ TEST_F(WorkspaceTest, OpenFailureIsReportedAndOpensNothing) {
 TEST_F(WorkspaceTest, SaveAndOpenRoundTripKeepsNameWidthAndSamples) {
     TUnitWave& u = ws.add(std::make_unique<TUnitWave>(monoOf({-256, 0, 512}), 1, "NONAME"));
     u.setNew();
+    // A wave that was never saved is saved under a name given with it.
+    const ActionResult unnamed = ws.runAction("FileSave");
+    EXPECT_EQ(unnamed.kind, ActionResult::Kind::InputError);
+    EXPECT_EQ(unnamed.text, "FileSave needs the field File.");
     const std::string file = (dir / "b.wav").string();
-    ASSERT_TRUE(ws.runAction("FileSaveAs", {{"File", file}}).ok());
+    ASSERT_TRUE(ws.runAction("FileSave", {{"File", file}}).ok());
     EXPECT_EQ(u.getFileName(), file);
     EXPECT_EQ(u.getState(), kStateSaved);
     // Saved and unchanged: there is nothing to save.
     EXPECT_EQ(ws.runAction("FileSave").kind, ActionResult::Kind::Disabled);
+    const std::string other = (dir / "c.wav").string();
+    ASSERT_TRUE(ws.runAction("FileSaveAs", {{"File", other}}).ok());
+    EXPECT_EQ(u.getFileName(), other);
+    EXPECT_TRUE(fs::exists(other));
 
     ASSERT_TRUE(ws.runAction("FileOpenWave", {{"File", file}}).ok());
     TUnitWave* opened = ws.active();

@@ -196,7 +196,6 @@ void registerAll() {
     const Sound* rise = shapes().rise.get();
     const Sound* flat = shapes().flat.get();
     const Sound* curve = shapes().curve.get();
-    (void)rise;
 
     // ---- generators: a stretch of the whole length into an empty sound ----
     add("MakeSilence", kLong, made([](Ctx& x) {

@@ -38,6 +38,22 @@ const RecordTable<PerEchoRecord>& PerEchoRecord::table() {
     return t;
 }
 
+namespace {
+// The filters spread this attenuation over their passes as a root of it: it has to lie
+// strictly between 0 and 1, and the loudness reader has no sign check of its own.
+bool checkHighLow(const HighLowRecord& r, const FormContext&, FormError& error) {
+    if (r.volume.value <= 0.0) {
+        error = inputError("Volume Factor", "Value must be positive and more than 0.");
+        return false;
+    }
+    if (r.volume.value >= 1.0) {
+        error = inputError("Volume Factor", "Value must be less than 1.");
+        return false;
+    }
+    return true;
+}
+}  // namespace
+
 HighLowRecord::HighLowRecord() { table().applyDefaults(*this); }
 const RecordTable<HighLowRecord>& HighLowRecord::table() {
     using R = HighLowRecord;
@@ -49,7 +65,7 @@ const RecordTable<HighLowRecord>& HighLowRecord::table() {
         volumeField("Volume Factor", &R::volume, 0.5),
         countField("Count", &R::count, 1),
         flagField("Maximize Volume", &R::maximize),
-    });
+    }, checkHighLow);
     return t;
 }
 

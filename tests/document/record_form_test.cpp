@@ -360,5 +360,32 @@ TEST(FormRoundTrip, AnUntouchedDialogKeepsItsValues) {
     EXPECT_EQ(s.frequency.unit, kUnitKilohertz);
 }
 
+TEST(FormChecks, HighLowVolumeFactorMustLieBetweenZeroAndOne) {
+    // The filters take a root of this factor: 1 or more, or 0 or less, must not reach them.
+    FormContext ctx;
+    const struct {
+        const char* typed;
+        const char* error;  // nullptr: accepted
+    } rows[] = {
+        {"1", "In Volume Factor: Value must be less than 1."},
+        {"100 %", "In Volume Factor: Value must be less than 1."},
+        {"0", "In Volume Factor: Value must be positive and more than 0."},
+        {"-0.5", "In Volume Factor: Value must be positive and more than 0."},
+        {"-6 dB", nullptr},
+        {"99 %", nullptr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.typed);
+        HighLowRecord r;
+        const auto err = applyTypedFields(r, {{"Volume Factor", row.typed}}, ctx);
+        if (row.error) {
+            EXPECT_EQ(errorText(err), row.error);
+            EXPECT_EQ(r.volume.value, 0.5);  // unchanged
+        } else {
+            EXPECT_FALSE(err);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace orv

@@ -25,6 +25,8 @@ TEST(SampleStorage, SmallAndLargeBlocksAreWholeAndFreed) {
         EXPECT_EQ(s[count - 1], WaveVal(count - 1));
         freeSamples(s);
     }
+    EXPECT_EQ(allocateSamples(0), nullptr);
+    EXPECT_EQ(allocateSamples(-5), nullptr);
 }
 
 #if defined(__linux__)
@@ -35,11 +37,6 @@ TEST(SampleStorage, LargeBlocksStartOnAHugePageBoundary) {
     freeSamples(s);
 }
 #endif
-
-TEST(SampleStorage, NothingForNoSamples) {
-    EXPECT_EQ(allocateSamples(0), nullptr);
-    EXPECT_EQ(allocateSamples(-5), nullptr);
-}
 
 TEST(SampleStorage, AllocatorSeamSwapsAndRestores) {
     counted = 0;

@@ -277,13 +277,9 @@ TEST(WaveEdits, ExtractRemoveAppendReplace) {
 TEST(WaveEdits, InsertSilence) {
     CancelFlag c{0};
     WavePtr w = makeWave({1, 2, 3, 4});
-    std::int32_t end = 3;
-    EXPECT_EQ(samplesOf(*w->insertSilence(c, 2, 1, end)), (Samples{1, 0, 0, 4}));
-    EXPECT_EQ(end, 3);
-    end = 2;
-    EXPECT_EQ(samplesOf(*w->insertSilence(c, 0, 2, end)), (Samples{1, 2, 3, 4}));  // a copy
-    EXPECT_EQ(end, 2);
-    end = -1;
+    EXPECT_EQ(samplesOf(*w->insertSilence(c, 2, 1, E{3})), (Samples{1, 0, 0, 4}));
+    EXPECT_EQ(samplesOf(*w->insertSilence(c, 0, 2, E{2})), (Samples{1, 2, 3, 4}));  // a copy
+    std::int32_t end = -1;
     EXPECT_EQ(samplesOf(*w->insertSilence(c, 1, 2, end)), (Samples{1, 2, 0}));
     EXPECT_EQ(end, 3);
 }

@@ -5,47 +5,23 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "support/cli_test_helpers.h"
 
 extern char** environ;
 
 namespace fs = std::filesystem;
+using Args = std::vector<std::string>;
 
 namespace {
-
-void writeWav(const fs::path& path, int freq, int channels, const std::vector<int>& frames) {
-    std::ofstream f(path, std::ios::binary);
-    auto u32 = [&](std::uint32_t v) { f.write(reinterpret_cast<const char*>(&v), 4); };
-    auto u16 = [&](std::uint16_t v) { f.write(reinterpret_cast<const char*>(&v), 2); };
-    const std::uint32_t data = std::uint32_t(frames.size() * 2);
-    f.write("RIFF", 4);
-    u32(36 + data);
-    f.write("WAVEfmt ", 8);
-    u32(16);
-    u16(1);
-    u16(std::uint16_t(channels));
-    u32(std::uint32_t(freq));
-    u32(std::uint32_t(freq * channels * 2));
-    u16(std::uint16_t(channels * 2));
-    u16(16);
-    f.write("data", 4);
-    u32(data);
-    for (int v : frames) u16(std::uint16_t(std::int16_t(v)));
-}
-
-std::string slurp(const fs::path& p) {
-    std::ifstream f(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(f), {});
-}
 
 struct Outcome {
     int status = -1;  // exit status, or 1000 + signal
@@ -55,52 +31,38 @@ struct Outcome {
 
 class Scenario : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() /
-              ("orvasto-cli-scenario-" + std::to_string(::getpid()) + "-" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir);
-        fs::create_directories(dir);
+    std::string file(const std::string& name) const { return tmp / name; }
+    void wav(const std::string& name, int freq, int channels, const std::vector<int>& frames) {
+        orv::test::writeWav16(file(name), freq, channels, frames);
     }
-    void TearDown() override {
-        fs::permissions(dir, fs::perms::owner_all, fs::perm_options::add);
-        for (auto& e : fs::recursive_directory_iterator(dir))
-            if (e.is_directory()) fs::permissions(e, fs::perms::owner_all, fs::perm_options::add);
-        fs::remove_all(dir);
-    }
-    std::string file(const std::string& name) const { return (dir / name).string(); }
 
     // Starts the program with stdout and stderr going into files of the test folder.
-    pid_t start(const std::vector<std::string>& args) {
+    pid_t start(const Args& args) {
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_addopen(&actions, 1, file("stdout.txt").c_str(),
                                          O_WRONLY | O_CREAT | O_TRUNC, 0644);
         posix_spawn_file_actions_addopen(&actions, 2, file("stderr.txt").c_str(),
                                          O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        std::vector<std::string> all = {ORVASTO_CLI};
+        Args all = {ORVASTO_CLI};
         all.insert(all.end(), args.begin(), args.end());
         std::vector<char*> argv;
         for (std::string& a : all) argv.push_back(a.data());
         argv.push_back(nullptr);
         pid_t pid = -1;
-        const int rc = posix_spawn(&pid, ORVASTO_CLI, &actions, nullptr, argv.data(), environ);
+        EXPECT_EQ(posix_spawn(&pid, ORVASTO_CLI, &actions, nullptr, argv.data(), environ), 0);
         posix_spawn_file_actions_destroy(&actions);
-        EXPECT_EQ(rc, 0);
         return pid;
     }
     Outcome finish(pid_t pid) {
-        Outcome o;
         int st = 0;
         waitpid(pid, &st, 0);
-        o.status = WIFEXITED(st) ? WEXITSTATUS(st) : 1000 + WTERMSIG(st);
-        o.out = slurp(dir / "stdout.txt");
-        o.err = slurp(dir / "stderr.txt");
-        return o;
+        return {WIFEXITED(st) ? WEXITSTATUS(st) : 1000 + WTERMSIG(st),
+                orv::test::slurp(file("stdout.txt")), orv::test::slurp(file("stderr.txt"))};
     }
-    Outcome run(const std::vector<std::string>& args) { return finish(start(args)); }
+    Outcome run(const Args& args) { return finish(start(args)); }
 
-    fs::path dir;
+    orv::test::TempDir tmp;
 };
 
 }  // namespace
@@ -108,12 +70,12 @@ protected:
 TEST_F(Scenario, VolumeOverASelection) {
     std::vector<int> ramp;
     for (int i = 0; i < 16; ++i) ramp.push_back(-1000 * (i + 1));
-    writeWav(dir / "in.wav", 8, 1, ramp);
+    wav("in.wav", 8, 1, ramp);
     const Outcome o = run({"open", file("in.wav"), "select", "0.5s", "1.5s", "Volume",
                            "Volume Factor=-6 dB", "save", file("out.wav")});
     ASSERT_EQ(o.status, 0) << o.err;
     EXPECT_EQ(o.err, "");
-    // -6 dB = 0.50118723 on samples 4 .. 11, truncated toward zero.
+    // 0.5 s .. 1.5 s at 8 Hz is samples 4 .. 11; -6 dB = 0.50118723, truncated toward zero.
     const Outcome d = run({"open", file("out.wav"), "dump", "3", "13"});
     EXPECT_EQ(d.out, "-4000\n-2505\n-3007\n-3508\n-4009\n-4510\n-5011\n-5513\n-6014\n-13000\n");
 }
@@ -125,12 +87,12 @@ TEST_F(Scenario, NewSinusA4) {
     // A4 = 523.26 x 2^-0.25 Hz, a period of 100.2256 samples; sample k reads the sine table
     // at 8999 x k / 100.2256 and scales by 32766 / 65535.
     EXPECT_EQ(o.out, "2.00000 s\t44.100 kHz\t16\tMO\t172 kb\t\t\n0\n1026\n2048\n3062\n4064\n5050\n");
-    EXPECT_EQ(fs::file_size(dir / "a4.wav"), 44u + 88200u * 2u);
+    EXPECT_EQ(fs::file_size(file("a4.wav")), 44u + 88200u * 2u);
 }
 
 TEST_F(Scenario, VolumeByARegisteredEnvelope) {
-    writeWav(dir / "env.wav", 8000, 1, {32767, 16384, 0, -32767, 8192});
-    writeWav(dir / "voice.wav", 8000, 1, {1000, 2000, -3000, 4000, 30000});
+    wav("env.wav", 8000, 1, {32767, 16384, 0, -32767, 8192});
+    wav("voice.wav", 8000, 1, {1000, 2000, -3000, 4000, 30000});
     const Outcome o = run({"open", file("env.wav"), "name", "env", "open", file("voice.wav"),
                            "Volume", "Volume Factor=Envelope", "Envelope=env", "save",
                            file("out.wav"), "dump"});
@@ -140,87 +102,62 @@ TEST_F(Scenario, VolumeByARegisteredEnvelope) {
     EXPECT_EQ(run({"open", file("out.wav"), "dump"}).out, o.out);
 }
 
-TEST_F(Scenario, InputErrorsAreShownWordForWordAndNothingIsWritten) {
-    writeWav(dir / "in.wav", 8000, 1, {1, 2, 3});
-    Outcome o = run({"open", file("in.wav"), "Rotate", "Rotate by=Time", "Time=3 s", "save",
-                     file("out.wav")});
-    EXPECT_EQ(o.status, 2);
-    EXPECT_EQ(o.err, "Input Error: In Time: Time may not be longer than the time of the sound.\n");
-    EXPECT_FALSE(fs::exists(dir / "out.wav"));
-
-    o = run({"open", file("in.wav"), "MakeLine", "Kind=Exponential", "Begin Value=0", "save",
-             file("out.wav")});
-    EXPECT_EQ(o.status, 2);
-    EXPECT_EQ(o.err, "Input Error: In Begin Value: Exponential Line may not contain value 0.\n");
-    EXPECT_FALSE(fs::exists(dir / "out.wav"));
-}
-
-TEST_F(Scenario, UnreadableFileAndUsageMistakes) {
-    std::ofstream(dir / "bad.wav") << "garbage";
-    Outcome o = run({"open", file("bad.wav"), "info"});
-    EXPECT_EQ(o.status, 1);
-    EXPECT_EQ(o.err, "File Error: Cannot read the file: \"" + file("bad.wav") +
-                         "\", \"RIFF\" not found.\n");
-    EXPECT_EQ(o.out, "");
-
-    o = run({"new", "8000", "16", "1", "info", "open"});
-    EXPECT_EQ(o.status, 2);
-    EXPECT_EQ(o.err, "Usage Error: open needs a file name.\n");
-    EXPECT_EQ(o.out, "");  // nothing ran
-
-    o = run({});
-    EXPECT_EQ(o.status, 2);
-    EXPECT_EQ(o.err, "Usage: orvasto-cli STEP [STEP ...]; orvasto-cli help lists the steps.\n");
-}
-
-TEST_F(Scenario, DisabledActionsSaySo) {
-    writeWav(dir / "st.wav", 8000, 2, {1, 2, 3, 4});
-    Outcome o = run({"open", file("st.wav"), "EditTrim"});
-    EXPECT_EQ(o.status, 2);
-    EXPECT_EQ(o.err, "Usage Error: EditTrim is not available now.\n");
-    o = run({"open", file("st.wav"), "Balance", "save", file("x.wav")});
-    EXPECT_EQ(o.status, 2);
-    EXPECT_EQ(o.err, "Usage Error: Balance is not available now.\n");
-    EXPECT_FALSE(fs::exists(dir / "x.wav"));
-    o = run({"open", file("st.wav"), "EditPaste"});
-    EXPECT_EQ(o.err, "Usage Error: EditPaste is not available now.\n");
-}
-
-TEST_F(Scenario, SaveIntoAMissingFolderStopsTheScript) {
-    writeWav(dir / "in.wav", 8000, 1, {1, 2, 3});
-    Outcome o = run({"open", file("in.wav"), "save", file("first.wav"), "save",
-                     file("missing/out.wav"), "save", file("later.wav")});
-    EXPECT_EQ(o.status, 1);
-    EXPECT_EQ(o.err, "Save Error: Cannot save the wave.\n");
-    EXPECT_TRUE(fs::exists(dir / "first.wav"));
-    EXPECT_FALSE(fs::exists(dir / "later.wav"));
-}
-
-TEST_F(Scenario, SaveIntoAFolderThatCannotBeWritten) {
-    if (::geteuid() == 0) GTEST_SKIP() << "permissions do not stop root";
-    writeWav(dir / "in.wav", 8000, 1, {1, 2, 3});
-    fs::create_directories(dir / "ro");
-    writeWav(dir / "ro" / "out.wav", 8000, 1, {7});
-    const std::string before = slurp(dir / "ro" / "out.wav");
-    Outcome o;
-    fs::permissions(dir / "ro", fs::perms::owner_read | fs::perms::owner_exec);
-    o = run({"open", file("in.wav"), "Reverse", "save", file("ro/out.wav"), "save",
-             file("later.wav")});
-    EXPECT_EQ(o.status, 1);
-    EXPECT_EQ(o.err, "Save Error: Cannot save the wave.\n");
-    EXPECT_EQ(slurp(dir / "ro" / "out.wav"), before);
-    EXPECT_FALSE(fs::exists(dir / "later.wav"));
-}
-
-TEST_F(Scenario, HelpShowsFieldsWithCurrentValues) {
-    writeWav(dir / "in.wav", 8000, 1, {1, 2, 3});
-    const Outcome o = run({"open", file("in.wav"), "FilterLow", "Frequency=2 kHz", "Count=3",
-                           "help", "FilterLow"});
-    ASSERT_EQ(o.status, 0) << o.err;
-    EXPECT_NE(o.out.find("Dialog \"High Low Filter\"\n"), std::string::npos) << o.out;
-    EXPECT_NE(o.out.find("(time) = 2 kHz\n"), std::string::npos) << o.out;
-    EXPECT_NE(o.out.find("  Count (count) = 3\n"), std::string::npos) << o.out;
-    EXPECT_NE(o.out.find("  Maximize Volume (flag) = off\n"), std::string::npos) << o.out;
+// Every refusal ends the script: its message on stderr, its status, nothing printed or saved
+// after it.
+TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
+    wav("m.wav", 8000, 1, {1, 2, 3});
+    wav("st.wav", 8000, 2, {1, 2, 3, 4});
+    orv::test::writeBytes(file("bad.wav"), {'j', 'u', 'n', 'k'});
+    orv::test::writeBytes(file("junk.flac"), orv::test::Bytes(300, 0x5A));
+    const std::string m = file("m.wav"), st = file("st.wav"), out = file("out.wav");
+    const struct {
+        Args args;
+        int status;
+        std::string err;
+    } cases[] = {
+        {{"open", m, "Rotate", "Rotate by=Time", "Time=3 s", "save", out}, 2,
+         "Input Error: In Time: Time may not be longer than the time of the sound."},
+        {{"open", m, "MakeLine", "Kind=Exponential", "Begin Value=0", "save", out}, 2,
+         "Input Error: In Begin Value: Exponential Line may not contain value 0."},
+        {{"open", m, "Volume", "Volume Factor=abc", "dump"}, 2,
+         "Input Error: In Volume Factor: Input has no value."},
+        {{"open", m, "Volume", "Volume Factor=Envelope", "Envelope=nobody", "info"}, 2,
+         "Input Error: In Volume Factor: You have to select a Wave"},
+        {{"open", m, "Volume", "Loudness=3", "info"}, 2,
+         "Usage Error: There is no field \"Loudness\" in \"Change Volume\"."},
+        {{"open", m, "EditTrim", "info"}, 2, "Usage Error: EditTrim is not available now."},
+        {{"open", st, "Balance", "save", out}, 2, "Usage Error: Balance is not available now."},
+        {{"open", m, "name", "a", "open", m, "name", "a", "info"}, 2,
+         "Error: A wave with name \"a\" already exists."},
+        {{"use", "ghost"}, 2, "Usage Error: There is no wave named \"ghost\"."},
+        {{"dump"}, 2, "Usage Error: dump needs an open wave."},
+        {{"new", "8000", "16", "1", "save", out}, 2, "Usage Error: An empty wave cannot be saved."},
+        {{"help", "Volumen"}, 2, "Usage Error: Unknown action \"Volumen\"."},
+        {{"new", "8000", "16", "1", "info", "open"}, 2, "Usage Error: open needs a file name."},
+        {{}, 2, "Usage: orvasto-cli STEP [STEP ...]; orvasto-cli help lists the steps."},
+        {{"open", file("bad.wav"), "info"}, 1,
+         "File Error: Cannot read the file: \"" + file("bad.wav") + "\", \"RIFF\" not found."},
+        {{"open", file("none.wav"), "info"}, 1,
+         "File Error: Cannot read the file: \"" + file("none.wav") + "\", Cannot open File."},
+        {{"import", file("junk.flac"), "info"}, 1,
+         "File Error: Cannot import the file: \"" + file("junk.flac") +
+             "\", Format not recognised."},
+        {{"open", m, "export", file("x.xyz"), "info"}, 1,
+         "File Error: Cannot export the file: \"" + file("x.xyz") +
+             "\", Cannot tell the export format from the file name; give one of wav16, wav24, "
+             "float, flac, ogg."},
+        {{"open", m, "save", file("missing/out.wav"), "save", out}, 1,
+         "Save Error: Cannot save the wave."},
+    };
+    for (const auto& c : cases) {
+        const Outcome o = run(c.args);
+        SCOPED_TRACE(c.err);
+        EXPECT_EQ(o.status, c.status);
+        EXPECT_EQ(o.err, c.err + "\n");
+        EXPECT_EQ(o.out, "");
+        EXPECT_FALSE(fs::exists(out));
+        EXPECT_FALSE(fs::exists(file("x.xyz")));
+    }
 }
 
 TEST_F(Scenario, CtrlCStopsALongOperationAndSavesNothing) {
@@ -230,5 +167,5 @@ TEST_F(Scenario, CtrlCStopsALongOperationAndSavesNothing) {
     ASSERT_EQ(::kill(pid, SIGINT), 0);
     const Outcome o = finish(pid);
     EXPECT_EQ(o.status, 130) << o.err;
-    EXPECT_FALSE(fs::exists(dir / "noise.wav"));
+    EXPECT_FALSE(fs::exists(file("noise.wav")));
 }

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -160,10 +161,28 @@ TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
     }
 }
 
+// True once /proc shows a handler for `sig` in the process (its SigCgt mask), within 60 s.
+bool waitUntilCatching(pid_t pid, int sig) {
+    for (int i = 0; i < 600; ++i) {
+        std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+        std::string line;
+        while (std::getline(status, line)) {
+            if (line.rfind("SigCgt:", 0) == 0 &&
+                (std::stoull(line.substr(7), nullptr, 16) >> (sig - 1) & 1u))
+                return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    return false;
+}
+
 TEST_F(Scenario, CtrlCStopsALongOperationAndSavesNothing) {
     const pid_t pid = start({"new", "44100", "16", "1", "MakeNoise", "Length=3600 s", "FilterLow",
                              "Count=4", "save", file("noise.wav")});
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    // Wait until the program catches SIGINT (a fixed sleep is flaky on a loaded machine),
+    // then give it a moment to get into the long work.
+    ASSERT_TRUE(waitUntilCatching(pid, SIGINT));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
     ASSERT_EQ(::kill(pid, SIGINT), 0);
     const Outcome o = finish(pid);
     EXPECT_EQ(o.status, 130) << o.err;

@@ -64,12 +64,18 @@ struct PassCoefficient {
     }
 };
 
+// A filtered value held within the input's scale: a low-pass output lies between the
+// extremes of what went in, a high-pass one (x - y) within twice that, so the 16-bit store
+// needs no guard for huge values. Only when 0 <= a <= 1 (NaN fails this).
+inline bool boundedCoefficient(double a) { return a >= 0 && a <= 1; }
+inline WaveVal toWaveValSmall(double v) { return wrap16(static_cast<std::int32_t>(v)); }
+
 // One pass of y = (1 - a) x + a y over [begin, end) in chunks, reading `in` and writing
 // `out` (the same array after the first pass). The high-pass writes x - y instead of y.
 // Returns false when the flag stopped it.
-template <bool High>
-bool onePass(CancelFlag& cancel, const WaveVal* in, WaveVal* out, double a, std::int32_t begin,
-             std::int32_t end) {
+template <bool High, bool Small>
+bool onePassAs(CancelFlag& cancel, const WaveVal* in, WaveVal* out, double a,
+               std::int32_t begin, std::int32_t end) {
     const double b = 1 - a;
     double y = 0;
     return forEachChunk(cancel, begin, end, [&](std::int32_t pos, std::int32_t stop) {
@@ -77,10 +83,52 @@ bool onePass(CancelFlag& cancel, const WaveVal* in, WaveVal* out, double a, std:
         for (std::int32_t j = pos; j < stop; ++j) {
             const double x = in[j];
             s = b * x + a * s;
-            out[j] = toWaveVal(High ? x - s : s);
+            const double v = High ? x - s : s;
+            out[j] = Small ? toWaveValSmall(v) : toWaveVal(v);
         }
         y = s;
     });
+}
+
+template <bool High>
+bool onePass(CancelFlag& cancel, const WaveVal* in, WaveVal* out, double a, std::int32_t begin,
+             std::int32_t end) {
+    if (boundedCoefficient(a)) return onePassAs<High, true>(cancel, in, out, a, begin, end);
+    return onePassAs<High, false>(cancel, in, out, a, begin, end);
+}
+
+// The same pass over two channels at once: the two recurrences do not depend on each
+// other, so running them side by side in one loop lets the processor overlap them. Each
+// channel gets exactly the arithmetic of onePass. The walked-samples count takes both.
+template <bool High, bool Small>
+bool twoPassesAs(CancelFlag& cancel, const WaveVal* in0, WaveVal* out0, const WaveVal* in1,
+                 WaveVal* out1, double a, std::int32_t begin, std::int32_t end) {
+    const double b = 1 - a;
+    double y0 = 0, y1 = 0;
+    return forEachChunk(cancel, begin, end, [&](std::int32_t pos, std::int32_t stop) {
+        double s0 = y0, s1 = y1;
+        for (std::int32_t j = pos; j < stop; ++j) {
+            const double x0 = in0[j];
+            const double x1 = in1[j];
+            s0 = b * x0 + a * s0;
+            s1 = b * x1 + a * s1;
+            const double v0 = High ? x0 - s0 : s0;
+            const double v1 = High ? x1 - s1 : s1;
+            out0[j] = Small ? toWaveValSmall(v0) : toWaveVal(v0);
+            out1[j] = Small ? toWaveValSmall(v1) : toWaveVal(v1);
+        }
+        y0 = s0;
+        y1 = s1;
+        samplesWalked.fetch_add(stop - pos, std::memory_order_relaxed);
+    });
+}
+
+template <bool High>
+bool twoPasses(CancelFlag& cancel, const WaveVal* in0, WaveVal* out0, const WaveVal* in1,
+               WaveVal* out1, double a, std::int32_t begin, std::int32_t end) {
+    if (boundedCoefficient(a))
+        return twoPassesAs<High, true>(cancel, in0, out0, in1, out1, a, begin, end);
+    return twoPassesAs<High, false>(cancel, in0, out0, in1, out1, a, begin, end);
 }
 
 template <bool High>
@@ -97,6 +145,26 @@ WavePtr passConstant(const Wave* wave, CancelFlag& cancel, double time, double f
         if (!onePass<High>(cancel, pass == 0 ? in : out, out, a, begin, end)) break;
     }
     return result;
+}
+
+// Two channels of one length: the results are those of passConstant on each in turn. When
+// either result cannot be made the flag is set, and the work stops there as it would.
+template <bool High>
+void passConstantPair(const Wave& left, const Wave& right, CancelFlag& cancel, double time,
+                      double factor, int countBer, int countCmd, std::int32_t begin,
+                      std::int32_t end, WavePtr& outLeft, WavePtr& outRight) {
+    checkRange(left, begin, end);
+    outLeft = makeResult(left, cancel, 0, begin, end);
+    outRight = makeResult(right, cancel, 0, begin, end);
+    if (!outLeft || !outRight) return;
+    const double a = PassCoefficient(factor, countBer).at(time);
+    WaveVal* out0 = outLeft->data();
+    WaveVal* out1 = outRight->data();
+    for (int pass = 0; pass < countCmd; ++pass) {
+        const WaveVal* in0 = pass == 0 ? left.data() : out0;
+        const WaveVal* in1 = pass == 0 ? right.data() : out1;
+        if (!twoPasses<High>(cancel, in0, out0, in1, out1, a, begin, end)) break;
+    }
 }
 
 template <bool High>
@@ -139,13 +207,28 @@ WavePtr passEnvelope(const Wave* wave, CancelFlag& cancel, const Wave* envelope,
 
 }  // namespace
 
-WavePtr LowPass(const Wave* wave, CancelFlag& cancel, double time, double factor, int countBer,
-                int countCmd, std::int32_t begin, std::int32_t end) {
+namespace {
+
+void checkLowPass(double time, double factor, int countBer, int countCmd) {
     ORV_ASSERT(time > 0, kUnit);
     ORV_ASSERT(factor > 0, kUnit);
     ORV_ASSERT(factor < 1, kUnit);
     ORV_ASSERT(countBer > 0, kUnit);
     ORV_ASSERT(countCmd > 0, kUnit);
+}
+
+void checkHighPass(double time, double factor, int countBer, int countCmd) {
+    ORV_ASSERT(time > 0, kUnit);
+    ORV_ASSERT(factor > 0 && factor < 1, kUnit);
+    ORV_ASSERT(countBer > 0, kUnit);
+    ORV_ASSERT(countCmd > 0, kUnit);
+}
+
+}  // namespace
+
+WavePtr LowPass(const Wave* wave, CancelFlag& cancel, double time, double factor, int countBer,
+                int countCmd, std::int32_t begin, std::int32_t end) {
+    checkLowPass(time, factor, countBer, countCmd);
     return passConstant<false>(wave, cancel, time, factor, countBer, countCmd, begin, end);
 }
 
@@ -162,10 +245,7 @@ WavePtr LowPassEnv(const Wave* wave, CancelFlag& cancel, const Wave* envelope, d
 
 WavePtr HighPass(const Wave* wave, CancelFlag& cancel, double time, double factor,
                  int countBer, int countCmd, std::int32_t begin, std::int32_t end) {
-    ORV_ASSERT(time > 0, kUnit);
-    ORV_ASSERT(factor > 0 && factor < 1, kUnit);
-    ORV_ASSERT(countBer > 0, kUnit);
-    ORV_ASSERT(countCmd > 0, kUnit);
+    checkHighPass(time, factor, countBer, countCmd);
     return passConstant<true>(wave, cancel, time, factor, countBer, countCmd, begin, end);
 }
 
@@ -177,6 +257,26 @@ WavePtr HighPassEnv(const Wave* wave, CancelFlag& cancel, const Wave* envelope, 
     ORV_ASSERT(countCmd > 0, kUnit);
     return passEnvelope<true>(wave, cancel, envelope, factor, countBer, countCmd, freq, begin,
                               end);
+}
+
+bool filter_detail::passPair(PassFilter filter, const Wave* left, const Wave* right,
+                             CancelFlag& cancel, double time, double factor, int countBer,
+                             int countCmd, std::int32_t begin, std::int32_t end,
+                             WavePtr& outLeft, WavePtr& outRight) {
+    if (!left || !right || left->getValues() != right->getValues()) return false;
+    if (filter == LowPass) {
+        checkLowPass(time, factor, countBer, countCmd);
+        passConstantPair<false>(*left, *right, cancel, time, factor, countBer, countCmd, begin,
+                                end, outLeft, outRight);
+        return true;
+    }
+    if (filter == HighPass) {
+        checkHighPass(time, factor, countBer, countCmd);
+        passConstantPair<true>(*left, *right, cancel, time, factor, countBer, countCmd, begin,
+                               end, outLeft, outRight);
+        return true;
+    }
+    return false;
 }
 
 }  // namespace orv

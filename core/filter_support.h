@@ -1,5 +1,6 @@
 // What every filter shares: the range contract, the result wave with its head and tail,
-// and the reading of an envelope along the filtered range. Private to core/filter_*.cpp.
+// and the reading of an envelope along the filtered range. Private to the core: the filters
+// and the stereo sound, which hands both its channels to passPair.
 #pragma once
 
 #include <cstdint>
@@ -54,6 +55,15 @@ private:
     double step_ = 0;
     double pos_ = 0;
 };
+
+// Runs LowPass or HighPass (`filter`) on two channels of one length at once: outLeft and
+// outRight get what calling it on the left, then on the right would return, with the same
+// assertions and messages. Only after a cancel during the work do they differ (both partly
+// filtered): the caller drops them then, as a stereo result is never partial. False, with
+// nothing done, for any other filter or for channels of different lengths.
+bool passPair(PassFilter filter, const Wave* left, const Wave* right, CancelFlag& cancel,
+              double time, double factor, int countBer, int countCmd, std::int32_t begin,
+              std::int32_t end, WavePtr& outLeft, WavePtr& outRight);
 
 // A usable envelope: present and holding at least one sample.
 inline bool usable(const Wave* envelope) { return envelope && envelope->getValues() > 0; }

@@ -278,6 +278,17 @@ WavePtr Wave::perEcho(CancelFlag& cancel, double diffTime, double volumeFactor,
         [&](std::int32_t i, std::int32_t p, double& v, double& at) {
             v = volume;
             at = p - i * diffTime;
+        },
+        [&](std::int32_t i, double& v, std::int64_t& shift) {
+            // A delay of whole samples (100 ms at 44.1 kHz) makes p - i x diffTime an exact
+            // whole number for every p, so the read never interpolates.
+            const double delay = i * diffTime;
+            if (!std::isfinite(volume) || !(std::fabs(delay) < 1073741824.0) ||
+                delay != std::floor(delay))
+                return false;
+            v = volume;
+            shift = static_cast<std::int64_t>(delay);
+            return true;
         });
 }
 

@@ -2,6 +2,7 @@
 // new stretch in place of a range, the source readers, and the driver of the periodic echoes.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -93,14 +94,47 @@ inline EchoStretch echoOneSide(double diffTime, std::int32_t count, std::int32_t
     return {begin, end};
 }
 
+// out[p] += volume x src[p - shift] over [pos, stop), for the p whose source lies in
+// [lo, hi), truncated and wrapped like any sample: what the interpolating read gives when
+// the echo falls on whole samples. Elsewhere the source reads 0 and, with a finite volume,
+// volume x 0 + out[p] is out[p] again, so those samples are left alone.
+inline void addShifted(WaveVal* __restrict out, const WaveVal* __restrict src, std::int32_t lo,
+                       std::int32_t hi, std::int64_t shift, double volume, std::int32_t pos,
+                       std::int32_t stop) {
+    const std::int64_t from = std::max<std::int64_t>(pos, lo + shift);
+    const std::int64_t to = std::min<std::int64_t>(stop, hi + shift);
+    if (from >= to) return;
+    WaveVal* d = out + from;
+    const WaveVal* s = src + (from - shift);
+    const std::int64_t n = to - from;
+    if (std::fabs(volume) < 65534) {
+        // |volume x sample + sample| < 2^31: a 32-bit truncation is exact, and the loop
+        // runs on whole vectors.
+        for (std::int64_t j = 0; j < n; ++j)
+            d[j] = wrap16(static_cast<std::int32_t>(volume * double(s[j]) + double(d[j])));
+    } else {
+        for (std::int64_t j = 0; j < n; ++j)
+            d[j] = toWaveVal(volume * double(s[j]) + double(d[j]));
+    }
+}
+
+// An echo tap that never falls on whole samples: every echo takes the interpolating read.
+struct NoWholeShift {
+    bool operator()(std::int32_t, double&, std::int64_t&) const { return false; }
+};
+
 // The periodic echo driver. The result holds lead zeros, the whole wave, grow zeros. For
 // each echo i = 1 .. count, startEcho(i) is called, then for each p of the stretch
 // tap(i, p, volume, position) gives the echo's volume and where the source is read; the
 // source is the input wave, 0 outside [begin, end - 1]. begin and end are set to the grown
-// stretch inside the result.
-template <class StartEcho, class Tap>
+// stretch inside the result. wholeShift(i, volume, shift), called after startEcho(i), may
+// say instead that every tap of echo i has that one finite volume and reads the source
+// exactly at p - shift (a whole number): the echo is then added without the per-sample
+// tap, with the very same results.
+template <class StartEcho, class Tap, class WholeShift = NoWholeShift>
 WavePtr echoes(const Wave& self, CancelFlag& cancel, std::int32_t count, EchoStretch stretch,
-               std::int32_t& begin, std::int32_t& end, StartEcho&& startEcho, Tap&& tap) {
+               std::int32_t& begin, std::int32_t& end, StartEcho&& startEcho, Tap&& tap,
+               WholeShift&& wholeShift = WholeShift()) {
     const std::int32_t values = self.getValues();
     const std::int32_t lead = stretch.newBegin < 0 ? -stretch.newBegin : 0;
     const std::int32_t grow = stretch.newEnd > values ? stretch.newEnd - values : 0;
@@ -115,6 +149,17 @@ WavePtr echoes(const Wave& self, CancelFlag& cancel, std::int32_t count, EchoStr
     WaveVal* out = w->data() + lead;
     for (std::int32_t i = 1; i <= count; ++i) {
         startEcho(i);
+        double shiftVolume = 0;
+        std::int64_t shift = 0;
+        if (wholeShift(i, shiftVolume, shift)) {
+            const bool done = forEachChunk(
+                cancel, stretch.newBegin, stretch.newEnd,
+                [&](std::int32_t pos, std::int32_t stop) {
+                    addShifted(out, src, srcBegin, srcEnd, shift, shiftVolume, pos, stop);
+                });
+            if (!done) break;
+            continue;
+        }
         const bool done = forEachChunk(
             cancel, stretch.newBegin, stretch.newEnd, [&](std::int32_t pos, std::int32_t stop) {
                 for (std::int32_t p = pos; p < stop; ++p) {

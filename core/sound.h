@@ -114,121 +114,124 @@ public:
     virtual SoundPtr ChangeFreq(CancelFlag* cancel, double newFreq) const = 0;
 
     // ---- 17..67: editing operations ------------------------------------------------
+    // Each is written once (sound.cpp) and runs the same body over the sound's one or two
+    // channels, so stereo costs exactly twice mono; a subclass overrides one only where its
+    // channels need something of their own (a stereo filter runs both channels in one loop).
 
     virtual SoundPtr Up(CancelFlag* cancel, WaveVal value, std::int32_t begin,
-                        std::int32_t& end) const = 0;
+                        std::int32_t& end) const;
     // Block length in seconds (a period), vertical count as Wave::block.
     virtual SoundPtr Block(CancelFlag* cancel, double blockTime, std::int32_t verticalCount,
-                           std::int32_t begin, std::int32_t& end) const = 0;
+                           std::int32_t begin, std::int32_t& end) const;
     // Silence of trunc(Freq x seconds + 1.0) samples in place of [begin, end); begin = end
     // = GetValues() appends. `end` becomes the end of the silence.
     virtual SoundPtr MakeSilence(CancelFlag* cancel, double seconds, std::int32_t& begin,
-                                 std::int32_t& end) const = 0;
+                                 std::int32_t& end) const;
     // The same with the length in samples (truncated).
     virtual SoundPtr MakeSilenceValues(CancelFlag* cancel, double count, std::int32_t& begin,
-                                       std::int32_t& end) const = 0;
+                                       std::int32_t& end) const;
     // exponential false: straight line, true: exponential line.
     virtual SoundPtr MakeLine(CancelFlag* cancel, WaveVal first, WaveVal last, double seconds,
                               bool exponential, std::int32_t begin,
-                              std::int32_t& end) const = 0;
+                              std::int32_t& end) const;
     // triangle false: block wave, true: triangle wave. period and length in seconds.
     virtual SoundPtr MakeBlockTriangle(CancelFlag* cancel, WaveVal first, WaveVal second,
                                        double period, double middle, double seconds,
                                        double startPhase, bool triangle, std::int32_t begin,
-                                       std::int32_t& end) const = 0;
+                                       std::int32_t& end) const;
     virtual SoundPtr MakeBlockTriangleEnv(CancelFlag* cancel, WaveVal first, WaveVal second,
                                           double period, const Sound* middleEnvelope,
                                           double seconds, double startPhase, bool triangle,
-                                          std::int32_t begin, std::int32_t& end) const = 0;
+                                          std::int32_t begin, std::int32_t& end) const;
     // period in seconds; the length is trunc(count x Freq x period) as Wave::makeSinus.
     virtual SoundPtr MakeSinus(CancelFlag* cancel, WaveVal high, WaveVal low, double period,
                                double count, double startAngle, std::int32_t begin,
-                               std::int32_t& end) const = 0;
+                               std::int32_t& end) const;
     virtual SoundPtr MakeNoise(CancelFlag* cancel, WaveVal volume, double seconds,
-                               std::int32_t begin, std::int32_t& end) const = 0;
+                               std::int32_t begin, std::int32_t& end) const;
     // Per-partial arrays of freqCount entries: periods in seconds, factors per sample.
     // form: the wave form to read (its mono/left/right waves), nullptr for the sine table.
     virtual SoundPtr MakeMFreq(CancelFlag* cancel, double seconds, const Sound* form,
                                std::int32_t freqCount, const double* volume,
                                const double* period, const double* startAngle,
                                const double* factor, std::int32_t begin,
-                               std::int32_t& end) const = 0;
+                               std::int32_t& end) const;
     // From the document's records; asserts "count > 0". The per-sample factor is
     // volumeFactor ^ (1 / (Freq x volumeFactorTime)).
     virtual SoundPtr MakeMFreqCount(CancelFlag* cancel, double seconds, const Sound* form,
                                     std::int32_t count, const MFreqPartial* partials,
-                                    std::int32_t begin, std::int32_t& end) const = 0;
+                                    std::int32_t begin, std::int32_t& end) const;
     // In place, both channels.
     virtual void DrawLine(CancelFlag* cancel, std::int32_t begin, WaveVal beginValue,
-                          std::int32_t end, WaveVal endValue) = 0;
+                          std::int32_t end, WaveVal endValue);
     // Change of length by a factor (the range is played slower or faster).
     virtual SoundPtr Length(CancelFlag* cancel, double factor, std::int32_t begin,
-                            std::int32_t& end) const = 0;
+                            std::int32_t& end) const;
     // The whole sound resampled by a factor (2 doubles the length).
-    virtual SoundPtr Resample(CancelFlag* cancel, double factor) const = 0;
+    virtual SoundPtr Resample(CancelFlag* cancel, double factor) const;
     // Roll out: the range read as a loop at a speed that follows the envelope
     // (value / 32767 x speed) into trunc(range x lengthFactor) samples.
     virtual SoundPtr RollOutEnv(CancelFlag* cancel, const Sound* speedEnvelope, double speed,
                                 double lengthFactor, double startPos, std::int32_t begin,
-                                std::int32_t& end) const = 0;
+                                std::int32_t& end) const;
     virtual SoundPtr RollOut(CancelFlag* cancel, double speed, double lengthFactor,
                              double startPos, std::int32_t begin,
-                             std::int32_t& end) const = 0;
+                             std::int32_t& end) const;
     // The range wound into a loop of trunc(Freq x seconds + 1.0) samples starting at the
     // position trunc(Freq x targetSeconds) inside it.
     virtual SoundPtr RollIn(CancelFlag* cancel, double seconds, double targetSeconds,
-                            std::int32_t begin, std::int32_t& end) const = 0;
+                            std::int32_t begin, std::int32_t& end) const;
     // Rotated left by trunc(Freq x seconds) samples.
     virtual SoundPtr Rotate(CancelFlag* cancel, double seconds, std::int32_t begin,
-                            std::int32_t& end) const = 0;
+                            std::int32_t& end) const;
     virtual SoundPtr Volume(CancelFlag* cancel, double factor, std::int32_t begin,
-                            std::int32_t& end) const = 0;
+                            std::int32_t& end) const;
     // In place, both channels.
     virtual void VolumeInPlace(CancelFlag* cancel, double factor, std::int32_t begin,
-                               std::int32_t& end) = 0;
+                               std::int32_t& end);
     virtual SoundPtr VolumeEnv(CancelFlag* cancel, const Sound* envelope, std::int32_t begin,
-                               std::int32_t& end) const = 0;
+                               std::int32_t& end) const;
     // Peak to 32767 (stereo: the larger peak of the two channels; peak 0 gives factor 0).
     virtual SoundPtr MaxVolume(CancelFlag* cancel, std::int32_t begin,
-                               std::int32_t& end) const = 0;
+                               std::int32_t& end) const;
     // Peak to 22936.9 (0.7 x 32767): the soft form used after filtering.
     virtual SoundPtr MaxVolumeSoft(CancelFlag* cancel, std::int32_t begin,
-                                   std::int32_t& end) const = 0;
+                                   std::int32_t& end) const;
     virtual void MaxVolumeSoftInPlace(CancelFlag* cancel, std::int32_t begin,
-                                      std::int32_t& end) = 0;
+                                      std::int32_t& end);
     // Mixes of another sound (resampled to Freq) into [begin, end): with begin < end only
     // the first (AlignBegin) or last (AlignEnd) end - begin samples of the other are used;
     // an empty range uses all of it. `begin`/`end` become the mixed stretch.
     virtual SoundPtr MixAlignBegin(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                                   std::int32_t& end) const = 0;
+                                   std::int32_t& end) const;
     virtual SoundPtr MixAlignEnd(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                                 std::int32_t& end) const = 0;
+                                 std::int32_t& end) const;
     // The other sound stretched over [begin, end) (an empty range: as MixAlignBegin).
     virtual SoundPtr MixStretch(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                                std::int32_t& end) const = 0;
+                                std::int32_t& end) const;
     // In place: other x factor added from trunc(Freq x seconds) on.
     virtual void MixCycleAt(CancelFlag* cancel, const Sound* other, double seconds,
-                            double factor) = 0;
+                            double factor);
     // In place: other x factor added from `after` on, until either sound runs out.
     virtual void MixCycle(CancelFlag* cancel, const Sound* other, std::int32_t after,
-                          double factor) = 0;
+                          double factor);
     // In place: other added from `after` on, until either sound runs out.
-    virtual void MixCycleSimple(CancelFlag* cancel, const Sound* other, std::int32_t after) = 0;
+    virtual void MixCycleSimple(CancelFlag* cancel, const Sound* other, std::int32_t after);
     // In place: other added from `after` on, going on at 0 when the end is reached.
     virtual void MixCycleAfterThis(CancelFlag* cancel, const Sound* other,
                                    std::int32_t after) = 0;
-    virtual SoundPtr Remove(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const = 0;
+    virtual SoundPtr Remove(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const;
     virtual SoundPtr NewEmpty(CancelFlag* cancel) const = 0;
     virtual SoundPtr CopyRange(CancelFlag* cancel, std::int32_t begin,
-                               std::int32_t end) const = 0;
+                               std::int32_t end) const;
     // [begin, end) replaced by the other sound (resampled to Freq); begin = end inserts.
     // `end` becomes begin + the inserted length.
     virtual SoundPtr Insert(CancelFlag* cancel, const Sound* other, std::int32_t begin,
-                            std::int32_t& end) const = 0;
+                            std::int32_t& end) const;
     virtual SoundPtr Reverse(CancelFlag* cancel, std::int32_t begin,
-                             std::int32_t& end) const = 0;
+                             std::int32_t& end) const;
     virtual SoundPtr Distort(CancelFlag* cancel, const Sound* curve, std::int32_t begin,
-                             std::int32_t& end) const = 0;
+                             std::int32_t& end) const;
     // LowPass or HighPass with the period Freq x seconds.
     virtual SoundPtr ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds,
                                  double factor, int countBer, int countCmd, std::int32_t begin,
@@ -237,61 +240,61 @@ public:
     virtual SoundPtr ApplyFilterEnv(CancelFlag* cancel, PassFilterEnv filter,
                                     const Sound* envelope, double factor, int countBer,
                                     int countCmd, std::int32_t begin,
-                                    std::int32_t end) const = 0;
+                                    std::int32_t end) const;
     // Periodic echoes, echo time in seconds. Both begin and end become the grown stretch.
     virtual SoundPtr PerEcho(CancelFlag* cancel, double seconds, double volumeFactor,
                              std::int32_t count, std::int32_t& begin,
-                             std::int32_t& end) const = 0;
+                             std::int32_t& end) const;
     // Constant echo time, volume from an envelope.
     virtual SoundPtr PerEchoEnv(CancelFlag* cancel, double seconds, const Sound* volumeEnvelope,
                                 std::int32_t count, std::int32_t& begin,
-                                std::int32_t& end) const = 0;
+                                std::int32_t& end) const;
     // Echo time from an envelope (asserts "diffTime >= 0"), constant volume.
     virtual SoundPtr PerEchoTime(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
                                  double volumeFactor, std::int32_t count, std::int32_t& begin,
-                                 std::int32_t& end) const = 0;
+                                 std::int32_t& end) const;
     // Both from envelopes.
     virtual SoundPtr PerEchoTimeEnv(CancelFlag* cancel, double seconds,
                                     const Sound* timeEnvelope, const Sound* volumeEnvelope,
                                     std::int32_t count, std::int32_t& begin,
-                                    std::int32_t& end) const = 0;
+                                    std::int32_t& end) const;
     // Block filter, block time in seconds; the range grows (begin, end updated).
     virtual SoundPtr FilterBlock(CancelFlag* cancel, double seconds, std::int32_t& begin,
-                                 std::int32_t& end) const = 0;
+                                 std::int32_t& end) const;
     virtual SoundPtr FilterBlockEnv(CancelFlag* cancel, double maxSeconds,
                                     const Sound* envelope, std::int32_t& begin,
-                                    std::int32_t& end) const = 0;
+                                    std::int32_t& end) const;
     // Tempo/pitch over the whole sound (start position 0), as the random echo uses it.
     // highQuality: the crossfaded form.
     virtual SoundPtr TempoPitchEcho(CancelFlag* cancel, double speed, double lengthFactor,
                                     double pitchStep, double blockSeconds,
-                                    bool highQuality) const = 0;
+                                    bool highQuality) const;
     virtual SoundPtr TempoPitch(CancelFlag* cancel, double speed, double startPos,
                                 double lengthFactor, double pitchStep, double blockSeconds,
                                 bool highQuality, std::int32_t begin,
-                                std::int32_t& end) const = 0;
+                                std::int32_t& end) const;
     // Speed from an envelope (value / 32767 x speed); always the crossfaded form.
     virtual SoundPtr TempoPitchEnv1(CancelFlag* cancel, double speed,
                                     const Sound* speedEnvelope, double startPos,
                                     double lengthFactor, double pitchStep, double blockSeconds,
-                                    std::int32_t begin, std::int32_t& end) const = 0;
+                                    std::int32_t begin, std::int32_t& end) const;
     // Pitch from an envelope (value / 32767 x pitchStep); always the crossfaded form.
     virtual SoundPtr TempoPitchEnv2(CancelFlag* cancel, double speed, double startPos,
                                     double lengthFactor, double pitchStep,
                                     const Sound* pitchEnvelope, double blockSeconds,
-                                    std::int32_t begin, std::int32_t& end) const = 0;
+                                    std::int32_t begin, std::int32_t& end) const;
     // Both from envelopes.
     virtual SoundPtr TempoPitchEnv3(CancelFlag* cancel, double speed,
                                     const Sound* speedEnvelope, double startPos,
                                     double lengthFactor, double pitchStep,
                                     const Sound* pitchEnvelope, double blockSeconds,
-                                    std::int32_t begin, std::int32_t& end) const = 0;
+                                    std::int32_t begin, std::int32_t& end) const;
     // Resonant or notch filter: period in seconds and width constant, or either taken from
     // an envelope (non-null freqEnvelope / widthEnvelope select the envelope forms).
     virtual SoundPtr ApplyResonantFilter(CancelFlag* cancel, const ResonatorFamily& family,
                                          double period, double width,
                                          const Sound* freqEnvelope, const Sound* widthEnvelope,
-                                         std::int32_t begin, std::int32_t end) const = 0;
+                                         std::int32_t begin, std::int32_t end) const;
 
     // ---- stereo operations (stereo_ops.cpp) ----------------------------------------
 
@@ -337,123 +340,11 @@ public:
     long double GetValueAt(CancelFlag* cancel, double fraction) const override;
     SoundPtr ChangeFreq(CancelFlag* cancel, double newFreq) const override;
 
-    SoundPtr Up(CancelFlag* cancel, WaveVal value, std::int32_t begin,
-                std::int32_t& end) const override;
-    SoundPtr Block(CancelFlag* cancel, double blockTime, std::int32_t verticalCount,
-                   std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MakeSilence(CancelFlag* cancel, double seconds, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr MakeSilenceValues(CancelFlag* cancel, double count, std::int32_t& begin,
-                               std::int32_t& end) const override;
-    SoundPtr MakeLine(CancelFlag* cancel, WaveVal first, WaveVal last, double seconds,
-                      bool exponential, std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MakeBlockTriangle(CancelFlag* cancel, WaveVal first, WaveVal second, double period,
-                               double middle, double seconds, double startPhase, bool triangle,
-                               std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MakeBlockTriangleEnv(CancelFlag* cancel, WaveVal first, WaveVal second,
-                                  double period, const Sound* middleEnvelope, double seconds,
-                                  double startPhase, bool triangle, std::int32_t begin,
-                                  std::int32_t& end) const override;
-    SoundPtr MakeSinus(CancelFlag* cancel, WaveVal high, WaveVal low, double period,
-                       double count, double startAngle, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MakeNoise(CancelFlag* cancel, WaveVal volume, double seconds, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MakeMFreq(CancelFlag* cancel, double seconds, const Sound* form,
-                       std::int32_t freqCount, const double* volume, const double* period,
-                       const double* startAngle, const double* factor, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MakeMFreqCount(CancelFlag* cancel, double seconds, const Sound* form,
-                            std::int32_t count, const MFreqPartial* partials,
-                            std::int32_t begin, std::int32_t& end) const override;
-    void DrawLine(CancelFlag* cancel, std::int32_t begin, WaveVal beginValue, std::int32_t end,
-                  WaveVal endValue) override;
-    SoundPtr Length(CancelFlag* cancel, double factor, std::int32_t begin,
-                    std::int32_t& end) const override;
-    SoundPtr Resample(CancelFlag* cancel, double factor) const override;
-    SoundPtr RollOutEnv(CancelFlag* cancel, const Sound* speedEnvelope, double speed,
-                        double lengthFactor, double startPos, std::int32_t begin,
-                        std::int32_t& end) const override;
-    SoundPtr RollOut(CancelFlag* cancel, double speed, double lengthFactor, double startPos,
-                     std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr RollIn(CancelFlag* cancel, double seconds, double targetSeconds,
-                    std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr Rotate(CancelFlag* cancel, double seconds, std::int32_t begin,
-                    std::int32_t& end) const override;
-    SoundPtr Volume(CancelFlag* cancel, double factor, std::int32_t begin,
-                    std::int32_t& end) const override;
-    void VolumeInPlace(CancelFlag* cancel, double factor, std::int32_t begin,
-                       std::int32_t& end) override;
-    SoundPtr VolumeEnv(CancelFlag* cancel, const Sound* envelope, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MaxVolume(CancelFlag* cancel, std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MaxVolumeSoft(CancelFlag* cancel, std::int32_t begin,
-                           std::int32_t& end) const override;
-    void MaxVolumeSoftInPlace(CancelFlag* cancel, std::int32_t begin,
-                              std::int32_t& end) override;
-    SoundPtr MixAlignBegin(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                           std::int32_t& end) const override;
-    SoundPtr MixAlignEnd(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr MixStretch(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                        std::int32_t& end) const override;
-    void MixCycleAt(CancelFlag* cancel, const Sound* other, double seconds,
-                    double factor) override;
-    void MixCycle(CancelFlag* cancel, const Sound* other, std::int32_t after,
-                  double factor) override;
-    void MixCycleSimple(CancelFlag* cancel, const Sound* other, std::int32_t after) override;
     void MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std::int32_t after) override;
-    SoundPtr Remove(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const override;
     SoundPtr NewEmpty(CancelFlag* cancel) const override;
-    SoundPtr CopyRange(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const override;
-    SoundPtr Insert(CancelFlag* cancel, const Sound* other, std::int32_t begin,
-                    std::int32_t& end) const override;
-    SoundPtr Reverse(CancelFlag* cancel, std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr Distort(CancelFlag* cancel, const Sound* curve, std::int32_t begin,
-                     std::int32_t& end) const override;
     SoundPtr ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds, double factor,
                          int countBer, int countCmd, std::int32_t begin,
                          std::int32_t end) const override;
-    SoundPtr ApplyFilterEnv(CancelFlag* cancel, PassFilterEnv filter, const Sound* envelope,
-                            double factor, int countBer, int countCmd, std::int32_t begin,
-                            std::int32_t end) const override;
-    SoundPtr PerEcho(CancelFlag* cancel, double seconds, double volumeFactor,
-                     std::int32_t count, std::int32_t& begin, std::int32_t& end) const override;
-    SoundPtr PerEchoEnv(CancelFlag* cancel, double seconds, const Sound* volumeEnvelope,
-                        std::int32_t count, std::int32_t& begin,
-                        std::int32_t& end) const override;
-    SoundPtr PerEchoTime(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
-                         double volumeFactor, std::int32_t count, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr PerEchoTimeEnv(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
-                            const Sound* volumeEnvelope, std::int32_t count,
-                            std::int32_t& begin, std::int32_t& end) const override;
-    SoundPtr FilterBlock(CancelFlag* cancel, double seconds, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr FilterBlockEnv(CancelFlag* cancel, double maxSeconds, const Sound* envelope,
-                            std::int32_t& begin, std::int32_t& end) const override;
-    SoundPtr TempoPitchEcho(CancelFlag* cancel, double speed, double lengthFactor,
-                            double pitchStep, double blockSeconds,
-                            bool highQuality) const override;
-    SoundPtr TempoPitch(CancelFlag* cancel, double speed, double startPos, double lengthFactor,
-                        double pitchStep, double blockSeconds, bool highQuality,
-                        std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr TempoPitchEnv1(CancelFlag* cancel, double speed, const Sound* speedEnvelope,
-                            double startPos, double lengthFactor, double pitchStep,
-                            double blockSeconds, std::int32_t begin,
-                            std::int32_t& end) const override;
-    SoundPtr TempoPitchEnv2(CancelFlag* cancel, double speed, double startPos,
-                            double lengthFactor, double pitchStep, const Sound* pitchEnvelope,
-                            double blockSeconds, std::int32_t begin,
-                            std::int32_t& end) const override;
-    SoundPtr TempoPitchEnv3(CancelFlag* cancel, double speed, const Sound* speedEnvelope,
-                            double startPos, double lengthFactor, double pitchStep,
-                            const Sound* pitchEnvelope, double blockSeconds,
-                            std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr ApplyResonantFilter(CancelFlag* cancel, const ResonatorFamily& family,
-                                 double period, double width, const Sound* freqEnvelope,
-                                 const Sound* widthEnvelope, std::int32_t begin,
-                                 std::int32_t end) const override;
 };
 
 class StereoSound final : public Sound {
@@ -486,123 +377,11 @@ public:
     long double GetValueAt(CancelFlag* cancel, double fraction) const override;
     SoundPtr ChangeFreq(CancelFlag* cancel, double newFreq) const override;
 
-    SoundPtr Up(CancelFlag* cancel, WaveVal value, std::int32_t begin,
-                std::int32_t& end) const override;
-    SoundPtr Block(CancelFlag* cancel, double blockTime, std::int32_t verticalCount,
-                   std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MakeSilence(CancelFlag* cancel, double seconds, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr MakeSilenceValues(CancelFlag* cancel, double count, std::int32_t& begin,
-                               std::int32_t& end) const override;
-    SoundPtr MakeLine(CancelFlag* cancel, WaveVal first, WaveVal last, double seconds,
-                      bool exponential, std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MakeBlockTriangle(CancelFlag* cancel, WaveVal first, WaveVal second, double period,
-                               double middle, double seconds, double startPhase, bool triangle,
-                               std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MakeBlockTriangleEnv(CancelFlag* cancel, WaveVal first, WaveVal second,
-                                  double period, const Sound* middleEnvelope, double seconds,
-                                  double startPhase, bool triangle, std::int32_t begin,
-                                  std::int32_t& end) const override;
-    SoundPtr MakeSinus(CancelFlag* cancel, WaveVal high, WaveVal low, double period,
-                       double count, double startAngle, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MakeNoise(CancelFlag* cancel, WaveVal volume, double seconds, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MakeMFreq(CancelFlag* cancel, double seconds, const Sound* form,
-                       std::int32_t freqCount, const double* volume, const double* period,
-                       const double* startAngle, const double* factor, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MakeMFreqCount(CancelFlag* cancel, double seconds, const Sound* form,
-                            std::int32_t count, const MFreqPartial* partials,
-                            std::int32_t begin, std::int32_t& end) const override;
-    void DrawLine(CancelFlag* cancel, std::int32_t begin, WaveVal beginValue, std::int32_t end,
-                  WaveVal endValue) override;
-    SoundPtr Length(CancelFlag* cancel, double factor, std::int32_t begin,
-                    std::int32_t& end) const override;
-    SoundPtr Resample(CancelFlag* cancel, double factor) const override;
-    SoundPtr RollOutEnv(CancelFlag* cancel, const Sound* speedEnvelope, double speed,
-                        double lengthFactor, double startPos, std::int32_t begin,
-                        std::int32_t& end) const override;
-    SoundPtr RollOut(CancelFlag* cancel, double speed, double lengthFactor, double startPos,
-                     std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr RollIn(CancelFlag* cancel, double seconds, double targetSeconds,
-                    std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr Rotate(CancelFlag* cancel, double seconds, std::int32_t begin,
-                    std::int32_t& end) const override;
-    SoundPtr Volume(CancelFlag* cancel, double factor, std::int32_t begin,
-                    std::int32_t& end) const override;
-    void VolumeInPlace(CancelFlag* cancel, double factor, std::int32_t begin,
-                       std::int32_t& end) override;
-    SoundPtr VolumeEnv(CancelFlag* cancel, const Sound* envelope, std::int32_t begin,
-                       std::int32_t& end) const override;
-    SoundPtr MaxVolume(CancelFlag* cancel, std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr MaxVolumeSoft(CancelFlag* cancel, std::int32_t begin,
-                           std::int32_t& end) const override;
-    void MaxVolumeSoftInPlace(CancelFlag* cancel, std::int32_t begin,
-                              std::int32_t& end) override;
-    SoundPtr MixAlignBegin(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                           std::int32_t& end) const override;
-    SoundPtr MixAlignEnd(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr MixStretch(CancelFlag* cancel, const Sound* other, std::int32_t& begin,
-                        std::int32_t& end) const override;
-    void MixCycleAt(CancelFlag* cancel, const Sound* other, double seconds,
-                    double factor) override;
-    void MixCycle(CancelFlag* cancel, const Sound* other, std::int32_t after,
-                  double factor) override;
-    void MixCycleSimple(CancelFlag* cancel, const Sound* other, std::int32_t after) override;
     void MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std::int32_t after) override;
-    SoundPtr Remove(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const override;
     SoundPtr NewEmpty(CancelFlag* cancel) const override;
-    SoundPtr CopyRange(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const override;
-    SoundPtr Insert(CancelFlag* cancel, const Sound* other, std::int32_t begin,
-                    std::int32_t& end) const override;
-    SoundPtr Reverse(CancelFlag* cancel, std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr Distort(CancelFlag* cancel, const Sound* curve, std::int32_t begin,
-                     std::int32_t& end) const override;
     SoundPtr ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds, double factor,
                          int countBer, int countCmd, std::int32_t begin,
                          std::int32_t end) const override;
-    SoundPtr ApplyFilterEnv(CancelFlag* cancel, PassFilterEnv filter, const Sound* envelope,
-                            double factor, int countBer, int countCmd, std::int32_t begin,
-                            std::int32_t end) const override;
-    SoundPtr PerEcho(CancelFlag* cancel, double seconds, double volumeFactor,
-                     std::int32_t count, std::int32_t& begin, std::int32_t& end) const override;
-    SoundPtr PerEchoEnv(CancelFlag* cancel, double seconds, const Sound* volumeEnvelope,
-                        std::int32_t count, std::int32_t& begin,
-                        std::int32_t& end) const override;
-    SoundPtr PerEchoTime(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
-                         double volumeFactor, std::int32_t count, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr PerEchoTimeEnv(CancelFlag* cancel, double seconds, const Sound* timeEnvelope,
-                            const Sound* volumeEnvelope, std::int32_t count,
-                            std::int32_t& begin, std::int32_t& end) const override;
-    SoundPtr FilterBlock(CancelFlag* cancel, double seconds, std::int32_t& begin,
-                         std::int32_t& end) const override;
-    SoundPtr FilterBlockEnv(CancelFlag* cancel, double maxSeconds, const Sound* envelope,
-                            std::int32_t& begin, std::int32_t& end) const override;
-    SoundPtr TempoPitchEcho(CancelFlag* cancel, double speed, double lengthFactor,
-                            double pitchStep, double blockSeconds,
-                            bool highQuality) const override;
-    SoundPtr TempoPitch(CancelFlag* cancel, double speed, double startPos, double lengthFactor,
-                        double pitchStep, double blockSeconds, bool highQuality,
-                        std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr TempoPitchEnv1(CancelFlag* cancel, double speed, const Sound* speedEnvelope,
-                            double startPos, double lengthFactor, double pitchStep,
-                            double blockSeconds, std::int32_t begin,
-                            std::int32_t& end) const override;
-    SoundPtr TempoPitchEnv2(CancelFlag* cancel, double speed, double startPos,
-                            double lengthFactor, double pitchStep, const Sound* pitchEnvelope,
-                            double blockSeconds, std::int32_t begin,
-                            std::int32_t& end) const override;
-    SoundPtr TempoPitchEnv3(CancelFlag* cancel, double speed, const Sound* speedEnvelope,
-                            double startPos, double lengthFactor, double pitchStep,
-                            const Sound* pitchEnvelope, double blockSeconds,
-                            std::int32_t begin, std::int32_t& end) const override;
-    SoundPtr ApplyResonantFilter(CancelFlag* cancel, const ResonatorFamily& family,
-                                 double period, double width, const Sound* freqEnvelope,
-                                 const Sound* widthEnvelope, std::int32_t begin,
-                                 std::int32_t end) const override;
 
     // ---- stereo operations (stereo_ops.cpp) ----------------------------------------
 

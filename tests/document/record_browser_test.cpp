@@ -11,216 +11,185 @@
 namespace orv {
 namespace {
 
-// Hooks over the frequency record's form that also log the deletions and moves.
+// Hooks over the frequency record's form that also log the deletions.
 class Hooks : public FormBrowserHooks<FrequencyRecord> {
 public:
     void beforeDelete(const FrequencyRecord& r) override { deleted.push_back(r.startVolume.value); }
-    void goneTo(int index) override { moves.push_back(index); }
     std::vector<double> deleted;
-    std::vector<int> moves;
+    std::string shownVolume() const { return controls.fields[0].text; }
 };
 
-FrequencyRecord withVolume(double v) {
-    FrequencyRecord r;
-    r.startVolume.value = v;
-    return r;
-}
+// A browser over records with the given start volumes, opened on its hooks.
+struct Opened {
+    explicit Opened(const std::vector<double>& volumes) {
+        std::vector<FrequencyRecord> rs;
+        for (double v : volumes) {
+            rs.emplace_back();
+            rs.back().startVolume.value = v;
+        }
+        b = RecordBrowser<FrequencyRecord>(rs);
+        b.open(h);
+    }
+    Hooks h;
+    RecordBrowser<FrequencyRecord> b;
+};
 
 // Values read back from their texts ("0.3" is 3 x 10^-1) may differ in the last bit.
 void expectVolumes(const std::vector<double>& got, const std::vector<double>& want) {
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t i = 0; i < got.size(); ++i) EXPECT_DOUBLE_EQ(got[i], want[i]) << i;
 }
-
-std::vector<double> volumes(const RecordBrowser<FrequencyRecord>& b) {
-    std::vector<double> out;
-    for (const FrequencyRecord& r : b.records()) out.push_back(r.startVolume.value);
-    return out;
+void expectVolumes(const RecordBrowser<FrequencyRecord>& b, const std::vector<double>& want) {
+    std::vector<double> got;
+    for (const FrequencyRecord& r : b.records()) got.push_back(r.startVolume.value);
+    expectVolumes(got, want);
 }
 
-void expectUpdate(const BrowserUpdate& u, int count, int cursor, bool back, bool forward,
-                  bool del, bool paste) {
-    EXPECT_EQ(u.count, count);
-    EXPECT_EQ(u.cursor, cursor);
-    EXPECT_EQ(u.canGoBack, back);
-    EXPECT_EQ(u.canGoForward, forward);
-    EXPECT_EQ(u.canDelete, del);
-    EXPECT_EQ(u.canPaste, paste);
-}
-
-TEST(RecordBrowser, ANewListHoldsOneDefaultRecordWithEverythingDisabled) {
-    RecordBrowser<FrequencyRecord> b;
-    Hooks h;
-    b.open(h);
-    expectUpdate(h.shown, 1, 1, false, false, false, false);
-    EXPECT_EQ(h.controls.fields[0].text, "0.5");
-    EXPECT_EQ(h.controls.fields[2].text, "1 kHz");
+// count, 1-based cursor, back, forward, delete, paste
+void expectButtons(const BrowserUpdate& u, int count, int cursor, bool back, bool forward,
+                   bool del, bool paste) {
+    EXPECT_EQ((std::vector<int>{u.count, u.cursor, u.canGoBack, u.canGoForward, u.canDelete,
+                                u.canPaste}),
+              (std::vector<int>{count, cursor, back, forward, del, paste}));
 }
 
 TEST(RecordBrowser, EditsAreStoredWhenMovingAndOnClose) {
     RecordBrowser<FrequencyRecord> b;
     Hooks h;
     b.open(h);
+    expectButtons(h.shown, 1, 1, false, false, false, false);
+    EXPECT_EQ(h.controls.fields[2].text, "1 kHz");
     ASSERT_FALSE(h.set("Start Volume", "0.1"));
     ASSERT_TRUE(b.append());
-    expectUpdate(h.shown, 2, 2, true, false, true, false);
-    EXPECT_EQ(h.controls.fields[0].text, "0.5");  // the new record's defaults
+    expectButtons(h.shown, 2, 2, true, false, true, false);
+    EXPECT_EQ(h.shownVolume(), "0.5");  // the new record's defaults
     ASSERT_FALSE(h.set("Start Volume", "0.2"));
     ASSERT_TRUE(b.first());
-    EXPECT_EQ(h.controls.fields[0].text, "0.1");
-    expectUpdate(h.shown, 2, 1, false, true, true, false);
+    EXPECT_EQ(h.shownVolume(), "0.1");
+    expectButtons(h.shown, 2, 1, false, true, true, false);
     ASSERT_TRUE(b.last());
     ASSERT_FALSE(h.set("Start Volume", "0.3"));
     ASSERT_TRUE(b.close());
     EXPECT_FALSE(b.isOpen());
-    EXPECT_EQ(b.count(), 2);
-    expectVolumes(volumes(b), {0.1, 0.3});
+    expectVolumes(b, {0.1, 0.3});
 }
 
 TEST(RecordBrowser, AnInvalidFieldKeepsTheCursorAndShowsTheMessage) {
     test::RecordingPlatformScope rec;
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2)});
-    Hooks h;
-    b.open(h);
-    ASSERT_FALSE(h.set("Volume Factor", "0"));
-    EXPECT_FALSE(b.next());
-    EXPECT_EQ(b.cursor(), 0);
+    Opened o({0.1, 0.2});
+    ASSERT_FALSE(o.h.set("Volume Factor", "0"));
+    EXPECT_FALSE(o.b.next());
+    EXPECT_EQ(o.b.cursor(), 0);
     ASSERT_EQ(rec.recorder.messages.size(), 1u);
     EXPECT_EQ(rec.recorder.messages[0].caption, "Input Error");
     EXPECT_EQ(rec.recorder.messages[0].text,
               "In Volume Factor: Value must be positive and more than 0.");
-    EXPECT_FALSE(b.close());
-    EXPECT_TRUE(b.isOpen());
-    ASSERT_FALSE(h.set("Volume Factor", "0.5"));
-    EXPECT_TRUE(b.next());
-    EXPECT_EQ(b.cursor(), 1);
+    EXPECT_FALSE(o.b.close());
+    EXPECT_TRUE(o.b.isOpen());
+    ASSERT_FALSE(o.h.set("Volume Factor", "0.5"));
+    EXPECT_TRUE(o.b.next());
+    EXPECT_EQ(o.b.cursor(), 1);
 }
 
 TEST(RecordBrowser, InsertPutsADefaultRecordAtTheCursor) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2)});
-    Hooks h;
-    b.open(h);
-    ASSERT_TRUE(b.next());
-    ASSERT_TRUE(b.insert());
-    expectUpdate(h.shown, 3, 2, true, true, true, false);
-    ASSERT_FALSE(h.set("Start Volume", "0.15"));
-    ASSERT_TRUE(b.first());
-    ASSERT_TRUE(b.insert());  // before the head: becomes the new head
-    ASSERT_TRUE(b.close());
-    expectVolumes(volumes(b), {0.5, 0.1, 0.15, 0.2});
+    Opened o({0.1, 0.2});
+    ASSERT_TRUE(o.b.next());
+    ASSERT_TRUE(o.b.insert());
+    expectButtons(o.h.shown, 3, 2, true, true, true, false);
+    ASSERT_FALSE(o.h.set("Start Volume", "0.15"));
+    ASSERT_TRUE(o.b.first());
+    ASSERT_TRUE(o.b.insert());  // before the head: becomes the new head
+    ASSERT_TRUE(o.b.close());
+    expectVolumes(o.b, {0.5, 0.1, 0.15, 0.2});
 }
 
-TEST(RecordBrowser, DeletingTheLastRecordMovesToTheNewLast) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2), withVolume(0.3)});
-    Hooks h;
-    b.open(h);
-    ASSERT_TRUE(b.last());
-    ASSERT_FALSE(h.set("Start Volume", "0.9"));  // edits of a deleted record go with it
-    b.remove();
-    expectVolumes(h.deleted, {0.3});
-    EXPECT_EQ(b.cursor(), 1);
-    EXPECT_EQ(h.controls.fields[0].text, "0.2");
-    expectUpdate(h.shown, 2, 2, true, false, true, false);
-    ASSERT_TRUE(b.close());
-    expectVolumes(volumes(b), {0.1, 0.2});
+TEST(RecordBrowser, DeleteCursorRules) {
+    {  // the last: the new last is shown, and edits of the deleted record go with it
+        Opened o({0.1, 0.2, 0.3});
+        ASSERT_TRUE(o.b.last());
+        ASSERT_FALSE(o.h.set("Start Volume", "0.9"));
+        o.b.remove();
+        expectVolumes(o.h.deleted, {0.3});
+        EXPECT_EQ(o.b.cursor(), 1);
+        EXPECT_EQ(o.h.shownVolume(), "0.2");
+        expectButtons(o.h.shown, 2, 2, true, false, true, false);
+        ASSERT_TRUE(o.b.close());
+        expectVolumes(o.b, {0.1, 0.2});
+    }
+    {  // the first: the head moves, the cursor stays 0
+        Opened o({0.1, 0.2, 0.3});
+        o.b.remove();
+        EXPECT_EQ(o.b.cursor(), 0);
+        EXPECT_EQ(o.h.shownVolume(), "0.2");
+        expectButtons(o.h.shown, 2, 1, false, true, true, false);
+        ASSERT_TRUE(o.b.close());
+        expectVolumes(o.b, {0.2, 0.3});
+    }
+    {  // the middle: the following record at the same index; then the last: back to the first
+        Opened o({0.1, 0.2, 0.3});
+        ASSERT_TRUE(o.b.next());
+        o.b.remove();
+        EXPECT_EQ(o.b.cursor(), 1);
+        EXPECT_EQ(o.h.shownVolume(), "0.3");
+        o.b.remove();
+        EXPECT_EQ(o.b.cursor(), 0);
+        EXPECT_EQ(o.h.shownVolume(), "0.1");
+        expectButtons(o.h.shown, 1, 1, false, false, false, false);
+        expectVolumes(o.h.deleted, {0.2, 0.3});
+    }
 }
 
-TEST(RecordBrowser, DeletingTheFirstRecordMovesTheHeadAndKeepsCursorZero) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2), withVolume(0.3)});
-    Hooks h;
-    b.open(h);
-    b.remove();
-    EXPECT_EQ(b.cursor(), 0);
-    EXPECT_EQ(h.controls.fields[0].text, "0.2");
-    expectUpdate(h.shown, 2, 1, false, true, true, false);
-    ASSERT_TRUE(b.next());
-    EXPECT_EQ(h.controls.fields[0].text, "0.3");
-    ASSERT_TRUE(b.close());
-    expectVolumes(volumes(b), {0.2, 0.3});
-}
-
-TEST(RecordBrowser, DeletingInTheMiddleShowsTheFollowingRecordAtTheSameIndex) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2), withVolume(0.3)});
-    Hooks h;
-    b.open(h);
-    ASSERT_TRUE(b.next());
-    b.remove();
-    EXPECT_EQ(b.cursor(), 1);
-    EXPECT_EQ(h.controls.fields[0].text, "0.3");
-    b.remove();  // now the last one: back to the first
-    EXPECT_EQ(b.cursor(), 0);
-    EXPECT_EQ(h.controls.fields[0].text, "0.1");
-    expectUpdate(h.shown, 1, 1, false, false, false, false);
-    expectVolumes(h.deleted, {0.2, 0.3});
-}
-
-TEST(RecordBrowser, PasteIsOfferedOnlyAfterACopyAndReplacesTheCurrentRecord) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2)});
-    Hooks h;
-    b.open(h);
-    EXPECT_FALSE(h.shown.canPaste);
-    ASSERT_FALSE(h.set("Frequency", "440 Hz"));
-    ASSERT_TRUE(b.copy());  // the copy takes the fields as typed
-    EXPECT_TRUE(h.shown.canPaste);
-    ASSERT_TRUE(b.next());
-    b.paste();
-    EXPECT_EQ(h.controls.fields[0].text, "0.1");
-    EXPECT_EQ(h.controls.fields[2].text, "440 Hz");
-    ASSERT_TRUE(b.close());
-    std::vector<FrequencyRecord> rs = b.records();
+TEST(RecordBrowser, PasteAfterACopyReplacesTheCurrentRecordAndClearResetsIt) {
+    Opened o({0.1, 0.2, 0.3});
+    EXPECT_FALSE(o.h.shown.canPaste);
+    ASSERT_FALSE(o.h.set("Frequency", "440 Hz"));
+    ASSERT_TRUE(o.b.copy());  // the copy takes the fields as typed
+    EXPECT_TRUE(o.h.shown.canPaste);
+    ASSERT_TRUE(o.b.next());
+    o.b.paste();
+    EXPECT_EQ(o.h.shownVolume(), "0.1");
+    EXPECT_EQ(o.h.controls.fields[2].text, "440 Hz");
+    ASSERT_TRUE(o.b.next());
+    o.b.clear();
+    EXPECT_EQ(o.h.shownVolume(), "0.5");
+    ASSERT_TRUE(o.b.close());
+    std::vector<FrequencyRecord> rs = o.b.records();
     EXPECT_DOUBLE_EQ(rs[0].frequency.value, 1.0 / 440);
     EXPECT_DOUBLE_EQ(rs[1].frequency.value, 1.0 / 440);
-    EXPECT_EQ(rs[1].startVolume.value, 0.1);
-}
-
-TEST(RecordBrowser, ClearResetsOnlyTheCurrentRecord) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2)});
-    Hooks h;
-    b.open(h);
-    b.clear();
-    EXPECT_EQ(h.controls.fields[0].text, "0.5");
-    ASSERT_TRUE(b.close());
-    expectVolumes(volumes(b), {0.5, 0.2});
+    expectVolumes(o.b, {0.1, 0.1, 0.5});
 }
 
 TEST(RecordBrowser, CopiesKeepTheCursorAndAreIndependent) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2), withVolume(0.3)});
-    Hooks h;
-    b.open(h);
-    ASSERT_TRUE(b.last());
-    ASSERT_TRUE(b.close());
+    Opened o({0.1, 0.2, 0.3});
+    ASSERT_TRUE(o.b.last());
+    ASSERT_TRUE(o.b.close());
     MFreqRecord m;
-    m.frequencies = b;
+    m.frequencies = o.b;
     MFreqRecord copy = m;
     EXPECT_EQ(copy.frequencies.cursor(), 2);
-    EXPECT_EQ(copy.frequencies.count(), 3);
     Hooks h2;
     copy.frequencies.open(h2);
-    EXPECT_EQ(h2.controls.fields[0].text, "0.3");
+    EXPECT_EQ(h2.shownVolume(), "0.3");
     copy.frequencies.remove();
     ASSERT_TRUE(copy.frequencies.close());
-    expectVolumes(volumes(copy.frequencies), {0.1, 0.2});
-    expectVolumes(volumes(m.frequencies), {0.1, 0.2, 0.3});
+    expectVolumes(copy.frequencies, {0.1, 0.2});
+    expectVolumes(m.frequencies, {0.1, 0.2, 0.3});
     auto same = [](const FrequencyRecord& x, const FrequencyRecord& y) {
         return x.startVolume.value == y.startVolume.value;
     };
-    EXPECT_TRUE(m.frequencies.sameRecords(b, same));
+    EXPECT_TRUE(m.frequencies.sameRecords(o.b, same));
     EXPECT_FALSE(m.frequencies.sameRecords(copy.frequencies, same));
 }
 
 TEST(RecordBrowserDeathTest, MisuseAsserts) {
-    RecordBrowser<FrequencyRecord> b({withVolume(0.1), withVolume(0.2)});
-    Hooks h;
-    b.open(h);
-    EXPECT_DEATH(b.count(), "Assertion failed: !IsOpen, unit rbrowser");
-    EXPECT_DEATH(b.records(), "Assertion failed: !IsOpen, unit rbrowser");
-    EXPECT_DEATH(b.previous(), "Assertion failed: Cursor > 0, unit rbrowser");
-    ASSERT_TRUE(b.last());
-    EXPECT_DEATH(b.next(), "Assertion failed: Cursor < Count - 1, unit rbrowser");
-    RecordBrowser<FrequencyRecord> one;
-    one.open(h);
-    EXPECT_DEATH(one.remove(), "Assertion failed: Count >= 2, unit rbrowser");
-    EXPECT_DEATH(one.paste(), "Assertion failed: CopyFull, unit rbrowser");
+    Opened o({0.1, 0.2});
+    EXPECT_DEATH(o.b.count(), "Assertion failed: !IsOpen, unit rbrowser");
+    EXPECT_DEATH(o.b.previous(), "Assertion failed: Cursor > 0, unit rbrowser");
+    ASSERT_TRUE(o.b.last());
+    EXPECT_DEATH(o.b.next(), "Assertion failed: Cursor < Count - 1, unit rbrowser");
+    Opened one({0.1});
+    EXPECT_DEATH(one.b.remove(), "Assertion failed: Count >= 2, unit rbrowser");
+    EXPECT_DEATH(one.b.paste(), "Assertion failed: CopyFull, unit rbrowser");
 }
 
 }  // namespace

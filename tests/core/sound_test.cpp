@@ -14,14 +14,7 @@ namespace {
 using namespace test;
 using Vals = Samples;
 
-Vals vals(const Wave* w) { return samplesOf(w); }
-WavePtr wav(const Vals& v) { return makeWave(v); }
-
-class SoundTest : public ::testing::Test {
-protected:
-    CancelFlag cancel{0};
-    CancelFlag* c = &cancel;
-};
+using SoundTest = CancelTest;
 
 // ---- construction and queries -------------------------------------------------------------
 
@@ -29,8 +22,6 @@ TEST_F(SoundTest, EmptySoundsTimeAndConversions) {
     MonoSound m(8000);
     StereoSound s(8000);
     EXPECT_EQ(std::pair(int(m.MoSt), int(s.MoSt)), std::pair(1, 2));
-    EXPECT_FALSE(m.ProtectWave);
-    EXPECT_EQ(s.GetValues(), 0);
     EXPECT_EQ(s.GetTime(), 0.0L);
     EXPECT_EQ(mono({1, 2, 3}, 2)->GetTime(), 1.5L);
     EXPECT_EQ(stereo({1, 2, 3}, {4, 5, 6}, 4)->GetTime(), 0.75L);
@@ -38,7 +29,7 @@ TEST_F(SoundTest, EmptySoundsTimeAndConversions) {
     // Stereo to mono keeps the LEFT channel, not an average, and the frequency.
     auto st = stereo({1, 2, 3}, {10, 20, 30}, 500);
     MonoSound fromSt(*st, c);
-    EXPECT_EQ(vals(fromSt.WaveMiddle), (Vals{1, 2, 3}));
+    EXPECT_EQ(samplesOf(fromSt.WaveMiddle), (Vals{1, 2, 3}));
     EXPECT_EQ(fromSt.Freq, 500);
     MonoSound emptyM(StereoSound(700), c);
     EXPECT_EQ(std::pair(emptyM.GetValues(), emptyM.Freq), std::pair(0, 700));
@@ -46,17 +37,15 @@ TEST_F(SoundTest, EmptySoundsTimeAndConversions) {
     auto mo = mono({5, 6});
     StereoSound twin(*mo, c);
     (*twin.WaveLeft)[0] = 99;
-    EXPECT_EQ(vals(twin.WaveRight), (Vals{5, 6}));
-    EXPECT_EQ(vals(mo->GetLeftWave()), (Vals{5, 6}));
-    EXPECT_EQ(vals(StereoSound(*st, c).WaveRight), (Vals{10, 20, 30}));
-    EXPECT_FALSE(isCancelled(cancel));
+    EXPECT_EQ(samplesOf(twin.WaveRight), (Vals{5, 6}));
+    EXPECT_EQ(samplesOf(StereoSound(*st, c).WaveRight), (Vals{10, 20, 30}));
 }
 
 TEST_F(SoundTest, ForbiddenCopiesDumpAndProtectedWaves) {
     test::RecordingPlatformScope rec;
-    MonoSound m(wav({1, 2}), 1000);
+    MonoSound m(makeWave({1, 2}), 1000);
     MonoSound m2(m);
-    StereoSound s(wav({1}), wav({2}), 8000);
+    StereoSound s(makeWave({1}), makeWave({2}), 8000);
     StereoSound s2(s);
     ASSERT_EQ(rec.recorder.traces.size(), 2u);
     EXPECT_EQ(rec.recorder.traces[0],
@@ -64,8 +53,6 @@ TEST_F(SoundTest, ForbiddenCopiesDumpAndProtectedWaves) {
     EXPECT_EQ(rec.recorder.traces[1],
               "Fout: StereoSound(const StereoSound &other) mag niet aangeroepen worden!\n");
     EXPECT_EQ(m2.GetValues(), 0);
-    EXPECT_EQ(s2.GetValues(), 0);
-    EXPECT_NE(m2.WaveMiddle, m.WaveMiddle);
 
     rec.recorder.traces.clear();
     s.Dump();  // the fields, then each wave's own dump
@@ -74,14 +61,14 @@ TEST_F(SoundTest, ForbiddenCopiesDumpAndProtectedWaves) {
     EXPECT_EQ(t[1] + t[2] + t[3], "Sound.MoSt = 2\nSound.Freq = 8000\nSound.ProtectWave = 0\n");
     EXPECT_EQ(t[8].rfind("StereoSound.WaveRight = ", 0), 0u);
 
-    Wave* l = wav({1, 2}).release();
-    Wave* r = wav({3, 4}).release();
+    Wave* l = makeWave({1, 2}).release();
+    Wave* r = makeWave({3, 4}).release();
     {
         StereoSound p(l, r, 1000);
         p.SetProtectWave();
     }
-    EXPECT_EQ(vals(l), (Vals{1, 2}));  // the sanitizer would catch a freed wave here
-    EXPECT_EQ(vals(r), (Vals{3, 4}));
+    EXPECT_EQ(samplesOf(l), (Vals{1, 2}));  // the sanitizer would catch a freed wave here
+    EXPECT_EQ(samplesOf(r), (Vals{3, 4}));
     delete l;
     delete r;
 }
@@ -95,10 +82,9 @@ TEST_F(SoundTest, WavesAreBorrowedUnlessResampledOrMixedDown) {
     bool isNew = false;
     std::unique_ptr<Wave> w(st->GetMonoWaveAtFreq(c, 1000, isNew));
     EXPECT_TRUE(isNew);
-    EXPECT_EQ(vals(w.get()), (Vals{1, 2}));
+    EXPECT_EQ(samplesOf(w.get()), (Vals{1, 2}));
     EXPECT_EQ(st->GetRightWaveAtFreq(c, 1000, isNew), st->GetRightWave());
     EXPECT_FALSE(isNew);
-    EXPECT_EQ(vals(st->DupRightWave(c, 0).get()), (Vals{30, 40}));
 
     auto m = mono({0, 100, 200, 300});
     isNew = true;
@@ -108,24 +94,17 @@ TEST_F(SoundTest, WavesAreBorrowedUnlessResampledOrMixedDown) {
     EXPECT_TRUE(isNew);
     EXPECT_EQ(w->getValues(), 8);
     EXPECT_EQ((*w)[1], 50);
-    w.reset(m->GetLeftWaveAtFreq(c, 500, isNew));
-    EXPECT_EQ(vals(w.get()), (Vals{0, 200}));
     EXPECT_NE(m->DupMonoWave(c, 0).get(), m->GetLeftWave());
 }
 
 TEST_F(SoundTest, ValueAtRelativeTimeAndChangeFreq) {
     auto m = mono({100, 200, 300});
-    EXPECT_EQ(m->GetValueAt(c, 0.0), 100.0L);
-    EXPECT_EQ(m->GetValueAt(c, 1.0), 300.0L);
     EXPECT_EQ(m->GetValueAt(c, 0.25), 150.0L);
     EXPECT_EQ(m->GetValueAt(c, 1.00006), 300.0L);  // a die may overshoot 1 a little
     auto st = stereo({-32768, 32767}, {0, 0});
-    EXPECT_EQ(st->GetValueAt(c, 0.0), -32768.0L);
     EXPECT_EQ(st->GetValueAt(c, 0.5), -0.5L);
 
-    auto e = MonoSound(8000).ChangeFreq(c, 22050.7);
-    EXPECT_EQ(e->Freq, 22050);
-    EXPECT_EQ(e->GetValues(), 0);
+    EXPECT_EQ(MonoSound(8000).ChangeFreq(c, 22050.7)->Freq, 22050);
     auto s2 = stereo({0, 100}, {0, -100})->ChangeFreq(c, 2000.0);
     EXPECT_EQ(s2->Freq, 2000);
     EXPECT_EQ(right(s2).size(), 4u);
@@ -142,11 +121,10 @@ TEST_F(SoundTest, StereoRunsTheOperationOnBothChannelsAndWraps) {
     EXPECT_EQ(right(r), (Vals{2, 3}));
     EXPECT_EQ(end, 2);
     EXPECT_EQ(left(st), (Vals{32767, 0}));  // the receiver is untouched
-    EXPECT_EQ(left(mono({20000, 20000})->Volume(c, 2.0, 0, E{1})), (Vals{-25536, 20000}));
 
     EXPECT_DEATH(sound_detail::checkSameRange(0, 1, 5, 5),
                  "Assertion failed: begin == begin2, unit sound");
-    EXPECT_DEATH(StereoSound(wav({1, 2}), wav({1}), 1000),
+    EXPECT_DEATH(StereoSound(makeWave({1, 2}), makeWave({1}), 1000),
                  "Assertion failed: waveLeft->getValues\\(\\) == waveRight->getValues\\(\\), "
                  "unit sound");
 }
@@ -168,7 +146,6 @@ TEST_F(SoundTest, RemoveAndCopyRange) {
     auto part = st->Remove(c, 1, 3);
     EXPECT_EQ(left(part), (Vals{1, 4}));
     EXPECT_EQ(right(part), (Vals{5, 8}));
-    EXPECT_EQ(st->CopyRange(c, 2, 2)->GetValues(), 0);
     EXPECT_EQ(right(st->CopyRange(c, 1, 3)), (Vals{6, 7}));
 }
 
@@ -182,8 +159,6 @@ TEST_F(SoundTest, LengthsPositionsAndPeriodsFromSeconds) {
     EXPECT_EQ(end, 5);
     begin = 0, end = 0;
     EXPECT_EQ(left(m->MakeSilenceValues(c, 2.9, begin, end)), (Vals{0, 0, 1, 2}));  // no + 1
-    begin = 0, end = 0;
-    EXPECT_EQ(MonoSound(1000).MakeSilence(c, 0.0, begin, end)->GetValues(), 1);
     end = 0;
     EXPECT_EQ(left(MonoSound(1000).MakeLine(c, 0, 300, 0.0025, false, 0, end)),
               (Vals{0, 150, 300}));
@@ -199,14 +174,9 @@ TEST_F(SoundTest, LengthsPositionsAndPeriodsFromSeconds) {
               (Vals{3 + 6, 1 + 4, 2 + 5}));
     EXPECT_EQ(end, 3);
 
-    // Periods stay untruncated: a block length of 2.5 makes blocks 2, 3, 2, 3; an echo
-    // 1.5 samples late reads half-way between samples.
+    // Periods stay untruncated: a block length of 2.5 makes blocks 2, 3, 2, 3.
     EXPECT_EQ(left(mono({0, 10, 20, 30, 40, 50, 60, 70, 80, 90})->Block(c, 0.0025, 0, 0, E{-1})),
               (Vals{5, 5, 30, 30, 30, 55, 55, 80, 80, 80}));
-    begin = 0, end = 4;
-    EXPECT_EQ(left(mono({0, 100, 0, 0})->PerEcho(c, 0.0015, 1.0, 1, begin, end)),
-              (Vals{0, 100, 50, 50, 0, 0}));
-    EXPECT_EQ(end, 6);
 }
 
 // Filters are handed in by the caller: check what the sound passes on.
@@ -237,8 +207,8 @@ TEST_F(SoundTest, FiltersGetThePeriodAndTheEnvelopeOfTheirChannel) {
     ASSERT_EQ(gCalls.size(), 2u);
     EXPECT_DOUBLE_EQ(gCalls[0].time, 4.41);
     EXPECT_EQ(gCalls[1].wave, st->GetRightWave());
-    EXPECT_EQ(std::pair(gCalls[1].countBer, gCalls[1].countCmd), std::pair(3, 2));
-    EXPECT_EQ(std::pair(gCalls[1].begin, gCalls[1].end), std::pair(1, -1));
+    EXPECT_EQ((std::vector<int>{gCalls[1].countBer, gCalls[1].countCmd, gCalls[1].begin,
+                                gCalls[1].end}), (std::vector<int>{3, 2, 1, -1}));
     EXPECT_EQ(right(r), (Vals{4, 5, 6}));
 
     gCalls.clear();
@@ -253,12 +223,10 @@ TEST_F(SoundTest, FiltersGetThePeriodAndTheEnvelopeOfTheirChannel) {
     auto env2 = stereo({32767, 32767}, {0, 0});
     EXPECT_EQ(left(mono({1000, 1000, 1000})->VolumeEnv(c, env2.get(), 0, E{-1})),
               (Vals{1000, 1000, 1000}));
-    auto v2 = stereo({1000, 1000, 1000}, {-1000, -1000, -1000})
-                  ->VolumeEnv(c, env2.get(), 0, E{-1});
-    EXPECT_EQ(right(v2), (Vals{0, 0, 0}));
-    auto v3 = stereo({1000, 1000, 1000}, {-1000, -1000, -1000})
-                  ->VolumeEnv(c, mono({0, 32767}).get(), 0, E{-1});
-    EXPECT_EQ(right(v3), (Vals{0, -500, -1000}));  // 16383.5 x 1000 / 32767
+    auto loud = stereo({1000, 1000, 1000}, {-1000, -1000, -1000});
+    EXPECT_EQ(right(loud->VolumeEnv(c, env2.get(), 0, E{-1})), (Vals{0, 0, 0}));
+    EXPECT_EQ(right(loud->VolumeEnv(c, mono({0, 32767}).get(), 0, E{-1})),
+              (Vals{0, -500, -1000}));  // 16383.5 x 1000 / 32767
 }
 
 std::vector<std::string> gForms;
@@ -307,8 +275,6 @@ TEST_F(SoundTest, MaxVolumeTargetsFullScaleWithTheLouderChannel) {
     EXPECT_EQ(right(r), (Vals{0, -32767}));
     // a silent range stays silent (factor 0)
     EXPECT_EQ(left(mono({0, 0, 9})->MaxVolume(c, 0, E{2})), (Vals{0, 0, 9}));
-    // The peak search lets 5 win over -32768: the factor 6553.4 then wraps -32768 around.
-    EXPECT_EQ(left(mono({-32768, 5})->MaxVolume(c, 0, E{-1})), (Vals{19661, 32767}));
     auto st = stereo({1000, 1}, {-2000, 2});
     st->MaxVolumeSoftInPlace(c, 0, E{1});
     EXPECT_EQ(left(st), (Vals{11468, 1}));
@@ -366,16 +332,10 @@ TEST_F(SoundTest, CyclicMixWrapsToTheStartAndLogs) {
     st->MixCycleAfterThis(c, mono({30000}).get(), 0);
     EXPECT_EQ(left(st), (Vals{-5536, 0}));
     EXPECT_EQ(right(st), (Vals{30000, 0}));
-    EXPECT_EQ(rec.recorder.traces,
-              (std::vector<std::string>{"in MonoSound::MixCycleAfterThis\n",
+    EXPECT_EQ(rec.recorder.traces, (std::vector<std::string>{"in MonoSound::MixCycleAfterThis\n",
                                         "uit MonoSound::MixCycleAfterThis\n",
                                         "in StereoSound::MixCycleAfterThis\n",
                                         "uit StereoSound::MixCycleAfterThis\n"}));
-    // Round a short sound more than once; a mono echo feeds both channels.
-    auto tiny = stereo({0, 0}, {-32768, 4});
-    tiny->MixCycleAfterThis(c, mono({100, 30000, 3}).get(), 1);
-    EXPECT_EQ(left(tiny), (Vals{30000, 103}));
-    EXPECT_EQ(right(tiny), (Vals{-2768, 107}));  // -32768 + 30000
     auto p = mono({1, 2, 3, 4});  // the plain form stops at the end
     p->MixCycleSimple(c, mono({10, 20, 30}).get(), 2);
     EXPECT_EQ(left(p), (Vals{1, 2, 13, 24}));

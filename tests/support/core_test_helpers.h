@@ -2,6 +2,8 @@
 // that records chunk bounds and can raise the cancel flag, and allocator stand-ins.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -26,6 +28,13 @@ inline WavePtr makeWave(const Samples& s) {
     return w;
 }
 
+// n samples from `from` in steps of `by`: a ramp whose values name their positions.
+inline WavePtr steps(int n, int from, int by) {
+    Samples s(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) s[std::size_t(i)] = from + i * by;
+    return makeWave(s);
+}
+
 inline Samples samplesOf(const Wave& w) {
     Samples s;
     for (std::int32_t i = 0; i < w.getValues(); ++i) s.push_back(w[i]);
@@ -42,6 +51,12 @@ inline SoundPtr stereo(const Samples& l, const Samples& r, std::int32_t freq = 1
 }
 inline Samples left(const SoundPtr& s) { return samplesOf(s->GetLeftWave()); }
 inline Samples right(const SoundPtr& s) { return samplesOf(s->GetRightWave()); }
+
+// A fixture for tests that pass one cancel flag around as a pointer.
+struct CancelTest : ::testing::Test {
+    CancelFlag cancel{0};
+    CancelFlag* c = &cancel;
+};
 
 // A range end passed by value to an operation that writes it back: `E{3}` or `E{-1}`.
 struct E {

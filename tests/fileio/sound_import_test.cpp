@@ -74,13 +74,10 @@ TEST_F(ImportTest, WiderSamplesBecomeSixteenBitsClippedNeverWrapped) {
     for (std::uint32_t v : {0x7FFFFFu, 0x800000u, 0x000001u, 0xFFFFFFu, 0x123456u, 0xFFFF00u,
                             0xFF0000u, 0x0000FFu})
         for (int i = 0; i < 3; ++i) pcm24.push_back(std::uint8_t(v >> (8 * i)));
-    Bytes floats;  // x 32768, rounded to nearest, clipped
-    for (float f : {1.5f, -2.0f, 0.5f, -0.5f, 1.0f, -1.0f, 0.25f, 3.0f / 65536, -3.0f / 65536,
-                    100.0f, 0.0f, 32767.0f / 32768, 1.0f / 65536, -32767.0f / 32768}) {
-        std::uint32_t u;
-        std::memcpy(&u, &f, 4);
-        put32(floats, u);
-    }
+    // Floats: x 32768, rounded to nearest, clipped.
+    const Bytes floats = floatBytes({1.5f, -2.0f, 0.5f, -0.5f, 1.0f, -1.0f, 0.25f, 3.0f / 65536,
+                                     -3.0f / 65536, 100.0f, 0.0f, 32767.0f / 32768, 1.0f / 65536,
+                                     -32767.0f / 32768});
     const struct {
         const char* name;
         std::uint16_t tag, bits;

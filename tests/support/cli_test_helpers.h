@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -37,6 +39,17 @@ inline void writeWav16(const std::string& path, int freq, int channels,
     Bytes data;
     for (int v : frames) put16(data, std::uint16_t(v));
     writeBytes(path, wavBytes(1, std::uint16_t(channels), std::uint32_t(freq), 16, data));
+}
+
+// 32-bit floats, little-endian.
+inline Bytes floatBytes(std::initializer_list<float> values) {
+    Bytes b;
+    for (float f : values) {
+        std::uint32_t u;
+        std::memcpy(&u, &f, 4);
+        put32(b, u);
+    }
+    return b;
 }
 
 inline std::string slurp(const std::string& path) {

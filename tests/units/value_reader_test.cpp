@@ -113,8 +113,7 @@ TEST(Readers, ConvertWhatTheUserTyped) {
         {K::WaveValue, "0.5", 16383, kUnitNone}, {K::WaveValue, "50 %", 16383, kUnitPercent},  // 16383.5 truncated
         {K::WaveValue, "-100 %", -32767, kUnitPercent}, {K::WaveValue, "-32768 $", -32768, kUnitSampleValue},
         {K::WaveValue, "32767$", 32767, kUnitSampleValue}, {K::WaveValue, "-1.9 $", -1, kUnitSampleValue},
-        {K::WaveValue, "-0.25", -8191, kUnitNone}, {K::WaveValue, "12,5 %", 4095, kUnitPercent},
-        {K::WaveValue, "1/2", 16383, kUnitNone},
+        {K::WaveValue, "-0.25", -8191, kUnitNone},
         {K::WaveValue, "-0.0001", -3, kUnitNone, kCheckNegative},  // -3.2767 -> -3
         {K::Factor, "-3/4", -0.75, kUnitNone}, {K::Factor, "1/8 %", 0.00125, kUnitPercent},
         {K::Factor, "100 %", 1, kUnitPercent, kCheckZeroToOne},

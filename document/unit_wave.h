@@ -239,6 +239,8 @@ private:
     // One operation's steps 3 to 6: `made` is the new sound (null when there is none), the
     // produced range is [begin, end).
     bool takeResult(SoundPtr made, std::int32_t begin, std::int32_t end);
+    bool makeBlockTriangle(BlockTriangleRecord& remembered, const BlockTriangleRecord& r,
+                           bool triangle);
     // Lets go of a sound the unit no longer holds (deleted unless the undo record has it).
     void releaseSound(Sound* old);
     // The range of an effect and of a generator (see the top of this file).

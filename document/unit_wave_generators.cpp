@@ -98,23 +98,18 @@ static bool makeBlockOrTriangle(TUnitWave& unit, const BlockTriangleRecord& p, b
 }
 
 bool TUnitWave::makeBlock(const BlockTriangleRecord& r) {
-    records_.makeBlock = r;
-    const BlockTriangleRecord& p = records_.makeBlock;
-    std::int32_t begin, end;
-    makeRange(begin, end);
-    if (view) view->showRange(begin, end);
-    const double sameAs = p.lengthKind == kLengthSameAs ? secondsOf(p.sameAs) : 0.0;
-    const Sound* env = p.BloTriHorKind == BlockTriangleRecord::bloTriFreq && p.HasMiddleEnvelope()
-                           ? envelope(p.middleEnvelope)
-                           : nullptr;
-    SoundPtr made;
-    if (!makeBlockOrTriangle(*this, p, false, sameAs, env, begin, end, made, end)) return false;
-    return takeResult(std::move(made), begin, end);
+    return makeBlockTriangle(records_.makeBlock, r, false);
 }
 
 bool TUnitWave::makeTriangle(const BlockTriangleRecord& r) {
-    records_.makeTriangle = r;
-    const BlockTriangleRecord& p = records_.makeTriangle;
+    return makeBlockTriangle(records_.makeTriangle, r, true);
+}
+
+// Block and triangle share one dialog and one generator, but each keeps its own record.
+bool TUnitWave::makeBlockTriangle(BlockTriangleRecord& remembered, const BlockTriangleRecord& r,
+                                  bool triangle) {
+    remembered = r;
+    const BlockTriangleRecord& p = remembered;
     std::int32_t begin, end;
     makeRange(begin, end);
     if (view) view->showRange(begin, end);
@@ -123,7 +118,8 @@ bool TUnitWave::makeTriangle(const BlockTriangleRecord& r) {
                            ? envelope(p.middleEnvelope)
                            : nullptr;
     SoundPtr made;
-    if (!makeBlockOrTriangle(*this, p, true, sameAs, env, begin, end, made, end)) return false;
+    if (!makeBlockOrTriangle(*this, p, triangle, sameAs, env, begin, end, made, end))
+        return false;
     return takeResult(std::move(made), begin, end);
 }
 

@@ -97,14 +97,4 @@ void MonoSound::MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std::i
     debugTrace("uit MonoSound::MixCycleAfterThis\n");
 }
 
-// ---- editing operations: the shared bodies ---------------------------------------------
-
-SoundPtr MonoSound::NewEmpty(CancelFlag* cancel) const { return Sound::NewEmpty(cancel); }
-
-SoundPtr MonoSound::ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds,
-                                double factor, int countBer, int countCmd, std::int32_t begin,
-                                std::int32_t end) const {
-    return Sound::ApplyFilter(cancel, filter, seconds, factor, countBer, countCmd, begin, end);
-}
-
 }  // namespace orv

@@ -221,7 +221,7 @@ public:
     virtual void MixCycleAfterThis(CancelFlag* cancel, const Sound* other,
                                    std::int32_t after) = 0;
     virtual SoundPtr Remove(CancelFlag* cancel, std::int32_t begin, std::int32_t end) const;
-    virtual SoundPtr NewEmpty(CancelFlag* cancel) const = 0;
+    virtual SoundPtr NewEmpty(CancelFlag* cancel) const;
     virtual SoundPtr CopyRange(CancelFlag* cancel, std::int32_t begin,
                                std::int32_t end) const;
     // [begin, end) replaced by the other sound (resampled to Freq); begin = end inserts.
@@ -235,7 +235,7 @@ public:
     // LowPass or HighPass with the period Freq x seconds.
     virtual SoundPtr ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds,
                                  double factor, int countBer, int countCmd, std::int32_t begin,
-                                 std::int32_t end) const = 0;
+                                 std::int32_t end) const;
     // LowPassEnv or HighPassEnv with the envelope's wave per channel and Freq.
     virtual SoundPtr ApplyFilterEnv(CancelFlag* cancel, PassFilterEnv filter,
                                     const Sound* envelope, double factor, int countBer,
@@ -341,10 +341,6 @@ public:
     SoundPtr ChangeFreq(CancelFlag* cancel, double newFreq) const override;
 
     void MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std::int32_t after) override;
-    SoundPtr NewEmpty(CancelFlag* cancel) const override;
-    SoundPtr ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds, double factor,
-                         int countBer, int countCmd, std::int32_t begin,
-                         std::int32_t end) const override;
 };
 
 class StereoSound final : public Sound {
@@ -378,7 +374,6 @@ public:
     SoundPtr ChangeFreq(CancelFlag* cancel, double newFreq) const override;
 
     void MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std::int32_t after) override;
-    SoundPtr NewEmpty(CancelFlag* cancel) const override;
     SoundPtr ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds, double factor,
                          int countBer, int countCmd, std::int32_t begin,
                          std::int32_t end) const override;

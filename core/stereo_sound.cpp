@@ -129,9 +129,7 @@ void StereoSound::MixCycleAfterThis(CancelFlag* cancel, const Sound* other, std:
     debugTrace("uit StereoSound::MixCycleAfterThis\n");
 }
 
-// ---- editing operations: the shared bodies ---------------------------------------------
-
-SoundPtr StereoSound::NewEmpty(CancelFlag* cancel) const { return Sound::NewEmpty(cancel); }
+// ---- editing operations that differ from the shared bodies ----------------------------
 
 SoundPtr StereoSound::ApplyFilter(CancelFlag* cancel, PassFilter filter, double seconds,
                                   double factor, int countBer, int countCmd, std::int32_t begin,

@@ -33,6 +33,32 @@ extern ChunkHook chunkHook;
 // show that long work is moving. Only ever increased, once per chunk.
 inline std::atomic<std::int64_t> samplesWalked{0};
 
+// The work of one job, counted on the thread that computes it: a job installs its counter
+// for the time it computes (ProgressScope), and every chunk walked on that thread adds to it.
+class ProgressSink {
+public:
+    virtual ~ProgressSink() = default;
+    virtual void walked(std::int64_t samples) = 0;
+};
+inline thread_local ProgressSink* progressSink = nullptr;
+
+class ProgressScope {
+public:
+    explicit ProgressScope(ProgressSink* sink) : previous_(progressSink) { progressSink = sink; }
+    ~ProgressScope() { progressSink = previous_; }
+    ProgressScope(const ProgressScope&) = delete;
+    ProgressScope& operator=(const ProgressScope&) = delete;
+
+private:
+    ProgressSink* previous_;
+};
+
+// Counts samples a loop has walked (once per chunk).
+inline void countWalked(std::int64_t samples) {
+    samplesWalked.fetch_add(samples, std::memory_order_relaxed);
+    if (progressSink) progressSink->walked(samples);
+}
+
 // Runs body(pos, chunkEnd) over [pos, end) in chunks; returns false when the flag stopped it.
 template <class Body>
 bool forEachChunk(const CancelFlag& cancel, std::int32_t pos, std::int32_t end, Body&& body) {
@@ -41,7 +67,7 @@ bool forEachChunk(const CancelFlag& cancel, std::int32_t pos, std::int32_t end, 
         const std::int32_t stop = chunkEnd(pos, end);
         if (chunkHook) callChunkHook(pos, stop);
         body(pos, stop);
-        samplesWalked.fetch_add(stop - pos, std::memory_order_relaxed);
+        countWalked(stop - pos);
         pos = stop;
     }
     return true;

@@ -119,7 +119,7 @@ bool twoPassesAs(CancelFlag& cancel, const WaveVal* in0, WaveVal* out0, const Wa
         }
         y0 = s0;
         y1 = s1;
-        samplesWalked.fetch_add(stop - pos, std::memory_order_relaxed);
+        countWalked(stop - pos);
     });
 }
 

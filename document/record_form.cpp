@@ -96,20 +96,34 @@ std::string FormError::text() const {
 
 void FormError::show() const { showMessage(caption, text(), MessageIcon::Information); }
 
-FormError inputError(std::string_view field, std::string_view message) {
+FormError inputError(std::string_view field, std::string_view message, int fieldIndex) {
     FormError e;
     e.field = std::string(field);
     e.message = std::string(message);
+    e.fieldIndex = fieldIndex;
     return e;
 }
 
 namespace {
-FormError usageError(std::string_view field, std::string message) {
+FormError usageError(std::string_view field, std::string message, int fieldIndex = kNoField) {
     FormError e;
     e.caption = std::string(kUsageErrorCaption);
     e.field = std::string(field);
     e.message = std::move(message);
+    e.fieldIndex = fieldIndex;
     return e;
+}
+
+// The one field of an option's group that takes typed text, or kNoField when there is none
+// or more than one.
+int onlyTypedFieldOf(const FormSpec& spec, int option) {
+    int found = kNoField;
+    for (std::size_t i = 0; i < spec.fields.size(); ++i) {
+        if (spec.fields[i].group != option || !isReadKind(spec.fields[i].kind)) continue;
+        if (found != kNoField) return kNoField;
+        found = int(i);
+    }
+    return found;
 }
 }  // namespace
 
@@ -213,13 +227,23 @@ std::optional<FormError> setByCaption(const FormSpec& spec, FormState& state,
     switch (d.kind) {
         case FieldKind::Option:
         case FieldKind::Choice:
-        case FieldKind::Preset:
+        case FieldKind::Preset: {
             for (std::size_t c = 0; c < d.choices.size(); ++c)
                 if (captionMatches(d.choices[c], value)) {
                     chooseEntry(spec, state, field, int(c));
                     return std::nullopt;
                 }
-            return usageError(name, "Choose one of: " + choiceList(d) + ".");
+            // "Echo Volume=50%": a value for the option's one typed field, which the option
+            // then follows.
+            if (d.kind == FieldKind::Option) {
+                const int typed = onlyTypedFieldOf(spec, field);
+                if (typed != kNoField) {
+                    typeInto(spec, state, typed, value);
+                    return std::nullopt;
+                }
+            }
+            return usageError(name, "Choose one of: " + choiceList(d) + ".", field);
+        }
         case FieldKind::Flag: {
             std::string v = lower(plainCaption(value));
             if (v == "on" || v == "yes" || v == "true" || v == "1") {
@@ -227,7 +251,7 @@ std::optional<FormError> setByCaption(const FormSpec& spec, FormState& state,
             } else if (v == "off" || v == "no" || v == "false" || v == "0") {
                 chooseEntry(spec, state, field, 0);
             } else {
-                return usageError(name, "Use on or off.");
+                return usageError(name, "Use on or off.", field);
             }
             return std::nullopt;
         }

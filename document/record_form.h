@@ -48,12 +48,16 @@ struct FormError {
     std::string caption{kInputErrorCaption};
     std::string field;    // the field name; empty for a message about the whole form
     std::string message;  // the reader's or the check's sentence
+    // The index of the field in its form, so that a dialog can focus it; kNoField for a
+    // message about the whole form.
+    int fieldIndex = kNoField;
     // "In " + field + ": " + message, or the message alone.
     std::string text() const;
     // The message box, information icon.
     void show() const;
 };
-FormError inputError(std::string_view field, std::string_view message);
+FormError inputError(std::string_view field, std::string_view message,
+                     int fieldIndex = kNoField);
 
 // Texts of the checks that the form makes itself.
 inline constexpr std::string_view kSelectWaveMessage = "You have to select a Wave";
@@ -274,11 +278,20 @@ std::optional<FormError> acceptRecord(const RecordTable<R>& table, const FormSta
                 }
             },
             table.member(i));
-        if (failed) return failed;
+        if (failed) {
+            failed->fieldIndex = int(i);
+            return failed;
+        }
     }
     if (auto check = table.check()) {
         FormError error;
-        if (!check(result, context, error)) return error;
+        if (!check(result, context, error)) {
+            // A check names its field by the name its messages use.
+            for (std::size_t i = 0; i < table.fields.size() && error.fieldIndex == kNoField; ++i)
+                if (!error.field.empty() && table.fields[i].messageName() == error.field)
+                    error.fieldIndex = int(i);
+            return error;
+        }
     }
     record = result;
     return std::nullopt;

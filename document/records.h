@@ -340,7 +340,4 @@ std::optional<FormError> setFrequencies(MFreqRecord& record,
                                         const std::vector<TypedFields>& entries,
                                         const FormContext& context);
 
-// Every operation record's form, in the order of the operation dialogs, for listings.
-std::vector<const FormSpec*> operationFormSpecs();
-
 }  // namespace orv

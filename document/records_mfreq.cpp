@@ -74,15 +74,4 @@ std::optional<FormError> setFrequencies(MFreqRecord& record,
     return std::nullopt;
 }
 
-std::vector<const FormSpec*> operationFormSpecs() {
-    return {&VolumeRecord::table(),      &SilenceRecord::table(),     &LineRecord::table(),
-            &NoiseRecord::table(),       &RotateRecord::table(),      &BlockRecord::table(),
-            &BlockTriangleRecord::table(), &SinusRecord::table(),     &RollInRecord::table(),
-            &UpRecord::table(),          &LeftRightRecord::table(),   &ResNotchRecord::table(),
-            &PerEchoRecord::table(),     &HighLowRecord::table(),     &BlockFilterRecord::table(),
-            &BalanceRecord::table(),     &MixRecord::table(),         &TempoPitchRecord::table(),
-            &RollOutRecord::table(),     &LengthRecord::table(),      &RandomEchoRecord::table(),
-            &DistortRecord::table(),     &MFreqRecord::table(),       &FrequencyRecord::table()};
-}
-
 }  // namespace orv

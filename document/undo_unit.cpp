@@ -18,14 +18,19 @@ std::string address(const void* p) {
 }  // namespace
 
 TUndoUnit::TUndoUnit(TUnitWave* unitWave)
+    : TUndoUnit(unitWave, unitWave->BytesPSample, unitWave->TheSound, unitWave->cursor,
+                unitWave->selEndPos) {}
+
+TUndoUnit::TUndoUnit(TUnitWave* unitWave, std::uint16_t bytesPSample,
+                     std::shared_ptr<Sound> sound, std::int32_t cursorPos, std::int32_t selEnd)
     : UnitWave(unitWave),
-      BytesPSample(unitWave->BytesPSample),
-      TheSound(unitWave->TheSound),
-      cursor(unitWave->cursor),
-      selEndPos(unitWave->selEndPos) {
+      BytesPSample(bytesPSample),
+      TheSound(std::move(sound)),
+      cursor(cursorPos),
+      selEndPos(selEnd) {
     debugTrace("in TUndoUnit::TUndoUnit(TUnitWave *unitWave)\n");
     debugTrace("-- TUndoUnit::TUndoUnit(WU): TheSound = UnitWave->TheSound (" +
-               address(TheSound) + ")\n");
+               address(TheSound.get()) + ")\n");
     debugTrace("uit TUndoUnit::TUndoUnit(TUnitWave *unitWave)\n");
 }
 
@@ -34,18 +39,18 @@ TUndoUnit::~TUndoUnit() {
     debugTrace("-- TUndoUnit::~TUndoUnit: kijk of TheSound != NULL is, dan deleten\n");
     if (TheSound != nullptr) {
         debugTrace("-- TUndoUnit::~TUndoUnit: kijk of TheSound != WU->TheSound is, dan echt deleten\n");
-        // A sound the unit still holds is the unit's; only one it let go of is ours.
+        // A sound the unit still holds stays; one it let go of goes with us, unless a job
+        // still reads it (then the job's hold is the last one).
         if (TheSound != UnitWave->TheSound) {
-            debugTrace("-- TUndoUnit::~TUndoUnit: delete TheSound (" + address(TheSound) + ")\n");
-            delete TheSound;
+            debugTrace("-- TUndoUnit::~TUndoUnit: delete TheSound (" + address(TheSound.get()) +
+                       ")\n");
+            TheSound.reset();
         }
     }
     debugTrace("uit TUndoUnit::~TUndoUnit(TWaveUnit *waveUnit)\n");
 }
 
 bool TUndoUnit::ownsSound() const { return TheSound && TheSound != UnitWave->TheSound; }
-
-void TUndoUnit::disown() { TheSound = nullptr; }
 
 void TUndoUnit::restore() {
     std::swap(BytesPSample, UnitWave->BytesPSample);

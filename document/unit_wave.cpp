@@ -2,6 +2,7 @@
 #include "document/unit_wave.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/platform.h"
 #include "fileio/wav_file.h"
@@ -13,22 +14,21 @@ TUnitWave::TUnitWave(std::string_view newFileName, const WaveFileProps& waveFile
     ORV_ASSERT(waveFileProps.MonoStereo == 1 || waveFileProps.MonoStereo == 2, "unitwave");
     ORV_ASSERT(waveFileProps.BytesPSample == 1 || waveFileProps.BytesPSample == 2, "unitwave");
     if (waveFileProps.MonoStereo != 1)
-        TheSound = new StereoSound(waveFileProps.Freq);
+        TheSound = std::make_shared<StereoSound>(waveFileProps.Freq);
     else
-        TheSound = new MonoSound(waveFileProps.Freq);
+        TheSound = std::make_shared<MonoSound>(waveFileProps.Freq);
 }
 
 TUnitWave::TUnitWave(SoundPtr sound, std::uint16_t bytesPSample, std::string_view newFileName)
     : state(kStateSaved), fileName(newFileName), BytesPSample(bytesPSample) {
     ORV_ASSERT(sound != nullptr, "unitwave");
     ORV_ASSERT(bytesPSample == 1 || bytesPSample == 2, "unitwave");
-    TheSound = sound.release();
+    TheSound = std::move(sound);
 }
 
 TUnitWave::~TUnitWave() {
     // The undo record may still point at this unit: it goes first, while the unit exists.
     if (host) host->unitDestroyed(*this);
-    if (!keepSound && TheSound) delete TheSound;
 }
 
 // ---- state ---------------------------------------------------------------------------
@@ -44,10 +44,9 @@ void TUnitWave::saveAs(std::string_view newFileName) {
 
 bool TUnitWave::needsSave() const { return values() != 0 && state != kStateSaved; }
 
-Sound* TUnitWave::swapSound(Sound* newSound) {
-    Sound* old = TheSound;
-    TheSound = newSound;
-    return old;
+std::shared_ptr<Sound> TUnitWave::swapSound(std::shared_ptr<Sound> newSound) {
+    std::swap(TheSound, newSound);
+    return newSound;
 }
 
 void TUnitWave::setBytesPSample(std::uint16_t bytes) {
@@ -119,7 +118,8 @@ bool TUnitWave::writeRequest(const TagList& request) {
     const std::int32_t begin = request.getLong("begin", 0);
     const std::int32_t end = request.getLong("end", values());
     debugTrace("PLAY call writeWaveFile\n");
-    if (writeWaveFile(&cancel, file, TheSound, BytesPSample, begin, end, temp)) return true;
+    if (writeWaveFile(cancel.get(), file, TheSound.get(), BytesPSample, begin, end, temp))
+        return true;
     showMessage(kSaveErrorCaption, kSaveErrorText, MessageIcon::Information);
     return false;
 }
@@ -151,48 +151,29 @@ const FrequencyRecord& TUnitWave::mFreqBrowseRecord(int index) const {
     return records_.mfreq.frequencies.at(index);
 }
 
-// ---- the common tail of every operation ---------------------------------------------------------
+// ---- taking the result of an operation ----------------------------------------------------------
 
-void TUnitWave::releaseSound(Sound* old) {
-    if (!old || old == TheSound) return;
-    if (host && host->undoHolds(old)) return;
-    delete old;
-}
-
-bool TUnitWave::takeResult(SoundPtr made, std::int32_t begin, std::int32_t end) {
-    if (isCancelled(cancel) || !made) {
-        // Whatever was made is thrown away; the unit keeps sound, cursor and selection.
-        if (view) view->repaintAll();
-        return false;
-    }
-    releaseSound(swapSound(made.release()));
+void TUnitWave::takeResult(std::shared_ptr<Sound> made, std::int32_t begin, std::int32_t end) {
+    ORV_ASSERT(made != nullptr, "unitwave");
+    TheSound = std::move(made);
     selectRange(begin, end);
     if (view) view->repaintAll();
-    return true;
 }
 
-void TUnitWave::effectRange(std::int32_t& begin, std::int32_t& end) const {
-    begin = selBegin();
-    end = selEnd();
-}
-
-void TUnitWave::makeRange(std::int32_t& begin, std::int32_t& end) const {
-    if (hasSelection()) {
-        begin = selBegin();
-        end = selEnd();
-    } else {
-        begin = end = cursor;
-    }
-}
-
-const Sound* TUnitWave::envelope(const std::string& waveName) const {
-    const Sound* found = host ? host->soundByName(waveName) : nullptr;
-    ORV_ASSERT_TEXT(found != nullptr, "envelope != NULL", "unitwave");
-    return found;
-}
-
-double TUnitWave::secondsOf(const std::string& waveName) const {
-    return double(envelope(waveName)->GetTime());
+void TUnitWave::takeConverted(std::shared_ptr<Sound> made, std::uint16_t bytesPSample,
+                              double scale) {
+    ORV_ASSERT(made != nullptr, "unitwave");
+    ORV_ASSERT(bytesPSample == 1 || bytesPSample == 2, "unitwave");
+    // Cursor and selection keep their place in time.
+    const std::int32_t newCursor = std::int32_t(std::floor(cursor * scale));
+    const std::int32_t newSelEnd = std::int32_t(std::floor(selEndPos * scale));
+    BytesPSample = bytesPSample;
+    TheSound = std::move(made);
+    changeSelection([&] {
+        cursor = clamp(newCursor);
+        selEndPos = clamp(newSelEnd);
+    });
+    if (view) view->repaintAll();
 }
 
 }  // namespace orv

@@ -3,9 +3,10 @@
 // cursor and selection, its cancel flag, and the parameters every operation dialog last
 // used on it.
 //
-// Ownership: the unit owns TheSound, except while the undo record shares it (undo_unit.h).
-// Operations never change the sound they run on: they make a new one, the unit takes it,
-// and the old one belongs to the undo record from then on.
+// Ownership: the unit shares TheSound with the undo record (undo_unit.h) and with jobs that
+// read it; a sound is deleted when the last of them lets go. Operations never change the
+// sound they run on: they make a new one, the unit takes it, and the old one stays with
+// the undo record.
 //
 // Ranges the operations work on (choices of this program):
 //   - effects, filters, echoes, reverse, max volume, copy, cut, delete: the selection, or
@@ -21,6 +22,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -54,12 +56,10 @@ public:
 // waves by name, and being told when a unit goes away (it may own the undo record).
 class UnitHost : public WaveNameLookup {
 public:
-    // The sound of the registered wave `name`, or nullptr.
-    virtual const Sound* soundByName(std::string_view name) const = 0;
+    // The sound of the registered wave `name` (shared, so that a job can keep reading it
+    // after the wave changed or closed), or nullptr.
+    virtual std::shared_ptr<const Sound> soundByName(std::string_view name) const = 0;
     virtual void unitDestroyed(TUnitWave& unit) = 0;
-    // Whether the undo record holds `sound`: a sound the unit lets go of is deleted unless
-    // the record keeps it.
-    virtual bool undoHolds(const Sound* sound) const = 0;
 };
 
 enum UnitState : std::uint8_t { kStateNew = 0, kStateSaved = 1, kStateChanged = 2 };
@@ -122,9 +122,10 @@ public:
     std::uint8_t getState() const { return state; }
 
     // ---- sound and properties ---------------------------------------------------------
-    Sound* getSound() const { return TheSound; }
-    // Puts `newSound` in and hands the previous one back, not deleted.
-    Sound* swapSound(Sound* newSound);
+    Sound* getSound() const { return TheSound.get(); }
+    const std::shared_ptr<Sound>& soundRef() const { return TheSound; }
+    // Puts `newSound` in and hands the previous one back.
+    std::shared_ptr<Sound> swapSound(std::shared_ptr<Sound> newSound);
     std::int32_t getFreq() const { return TheSound->Freq; }
     std::uint16_t getMonoStereo() const { return TheSound->MoSt; }
     std::uint16_t getBytesPSample() const { return BytesPSample; }
@@ -140,12 +141,12 @@ public:
     WaveView* getView() const { return view; }
     void setHost(UnitHost* h) { host = h; }
     UnitHost* getHost() const { return host; }
-    void setKeepSound(bool keep) { keepSound = keep ? 1 : 0; }
 
     // ---- cancel flag --------------------------------------------------------------------
-    CancelFlag& cancelFlag() { return cancel; }
-    bool cancelled() const { return isCancelled(cancel); }
-    void clearCancel() { cancel.store(0); }
+    CancelFlag& cancelFlag() { return *cancel; }
+    const std::shared_ptr<CancelFlag>& sharedCancelFlag() const { return cancel; }
+    bool cancelled() const { return isCancelled(*cancel); }
+    void clearCancel() { cancel->store(0); }
 
     // ---- cursor and selection (positions clamped to 0 .. values) -------------------------
     std::int32_t getCursor() const { return cursor; }
@@ -184,85 +185,34 @@ public:
     int freqCount() const;
     const FrequencyRecord& mFreqBrowseRecord(int index) const;
 
-    // ---- operations -----------------------------------------------------------------------
-    // Each copies its record into the remembered one, works on its range (see the top of
-    // this file), and returns true when the unit took the new sound, false when cancelled.
-    // Envelope and "Same Length as" names must be registered (asserts "envelope != NULL").
-    bool makeSilence(const SilenceRecord& r);
-    bool makeLine(const LineRecord& r);
-    bool makeBlock(const BlockTriangleRecord& r);
-    bool makeTriangle(const BlockTriangleRecord& r);
-    bool makeSinus(const SinusRecord& r);
-    bool makeNoise(const NoiseRecord& r);
-    bool makeMFreq(const MFreqRecord& r);
-    bool volume(const VolumeRecord& r);
-    bool up(const UpRecord& r);
-    bool block(const BlockRecord& r);
-    bool rollOut(const RollOutRecord& r);
-    bool rollIn(const RollInRecord& r);
-    bool rotate(const RotateRecord& r);
-    bool length(const LengthRecord& r);
-    bool distort(const DistortRecord& r);
-    bool balance(const BalanceRecord& r);
-    bool mixLeftRight(const LeftRightRecord& r);
-    bool perEcho(const PerEchoRecord& r);
-    bool randomEcho(const RandomEchoRecord& r);
-    bool tempoPitch(const TempoPitchRecord& r);
-    bool filterBlock(const BlockFilterRecord& r);
-    bool filterLow(const HighLowRecord& r);
-    bool filterHigh(const HighLowRecord& r);
-    bool filterResonant(const ResNotchRecord& r);
-    bool filterNotch(const ResNotchRecord& r);
-    bool mix(const MixRecord& r, const Sound& clip);
-
-    // ---- edits (edit_commands.cpp) -----------------------------------------------------------
-    // A copy of the part (the whole wave without a selection); nullptr when cancelled.
-    SoundPtr copyPart();
-    bool deletePart();
-    bool trim();  // keeps only the selection
-    // Replaces the part with the clip, or inserts it at the cursor.
-    bool paste(const Sound& clip, std::uint16_t clipBytesPSample);
-    // The part goes out through `taken`, the clip comes in in its place.
-    bool swapWith(const Sound& clip, std::uint16_t clipBytesPSample, SoundPtr& taken);
-    // The part goes out through `taken`, silence of its length stays.
-    bool extract(SoundPtr& taken);
-    bool cut(SoundPtr& taken);
-    bool maxVolume();
-    bool reverse();
-    // New frequency, sample width and channel count; the cursor and selection keep their
-    // place in time.
-    bool convert(const WaveFileProps& props);
+    // ---- taking the result of an operation (user-interface thread) ----------------------
+    // The unit holds `made` from now on (the old sound stays with whoever else holds it,
+    // the undo record), selects the made range [begin, end) and repaints.
+    void takeResult(std::shared_ptr<Sound> made, std::int32_t begin, std::int32_t end);
+    // The same for a conversion of the file properties: the new sample width, and cursor
+    // and selection moved by `scale` so that they keep their place in time.
+    void takeConverted(std::shared_ptr<Sound> made, std::uint16_t bytesPSample, double scale);
 
 private:
     friend class TUndoUnit;
 
-    // One operation's steps 3 to 6: `made` is the new sound (null when there is none), the
-    // produced range is [begin, end).
-    bool takeResult(SoundPtr made, std::int32_t begin, std::int32_t end);
-    bool makeBlockTriangle(BlockTriangleRecord& remembered, const BlockTriangleRecord& r,
-                           bool triangle);
-    // Lets go of a sound the unit no longer holds (deleted unless the undo record has it).
-    void releaseSound(Sound* old);
-    // The range of an effect and of a generator (see the top of this file).
-    void effectRange(std::int32_t& begin, std::int32_t& end) const;
-    void makeRange(std::int32_t& begin, std::int32_t& end) const;
-    const Sound* envelope(const std::string& waveName) const;
-    double secondsOf(const std::string& waveName) const;
     std::int32_t clamp(std::int32_t pos) const;
     // Applies a cursor/selection change and updates the view.
     template <class Change>
     void changeSelection(Change&& change);
 
     std::uint8_t state;
-    std::uint8_t keepSound = 0;
     std::string fileName;
     std::uint16_t BytesPSample;
     WaveView* view = nullptr;
     std::string name;
-    Sound* TheSound = nullptr;
+    // Shared: the undo record and a running job may hold it too; whoever lets go last
+    // deletes it.
+    std::shared_ptr<Sound> TheSound;
     std::int32_t cursor = 0;
     std::int32_t selEndPos = 0;
-    CancelFlag cancel{0};
+    // Shared with a job that computes for this unit, so that it outlives a closed window.
+    std::shared_ptr<CancelFlag> cancel = std::make_shared<CancelFlag>(0);
     UnitRecords records_;
     UnitHost* host = nullptr;
 };

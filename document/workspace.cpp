@@ -16,6 +16,7 @@ Workspace::Workspace() {
 
 Workspace::~Workspace() {
     closing_ = true;
+    if (running_) running_->owner_ = nullptr;
     forgetUndo();
     active_ = nullptr;
     // Each unit tells us it goes; the list itself is left alone meanwhile.
@@ -103,9 +104,9 @@ std::vector<std::string> Workspace::waveNames() const {
     return names;
 }
 
-const Sound* Workspace::soundByName(std::string_view name) const {
+std::shared_ptr<const Sound> Workspace::soundByName(std::string_view name) const {
     const TUnitWave* unit = findByName(name);
-    return unit ? unit->getSound() : nullptr;
+    return unit ? unit->soundRef() : nullptr;
 }
 
 bool Workspace::registerName(TUnitWave& unit, std::string_view name) {
@@ -121,9 +122,14 @@ bool Workspace::registerName(TUnitWave& unit, std::string_view name) {
 void Workspace::unitDestroyed(TUnitWave& unit) {
     if (undo_ && undo_->unit() == &unit) undo_.reset();
     if (active_ == &unit) active_ = nullptr;
+    // A job for this unit computes on; its result finds no document to go to.
+    if (running_ && running_->unit() == &unit) running_->cancel();
 }
 
-bool Workspace::undoHolds(const Sound* sound) const { return undo_ && undo_->sound() == sound; }
+bool Workspace::isOpen(const TUnitWave* unit) const {
+    return std::any_of(documents_.begin(), documents_.end(),
+                       [&](const auto& d) { return d.get() == unit; });
+}
 
 // ---- undo -------------------------------------------------------------------------------------
 
@@ -150,6 +156,8 @@ ActionContext Workspace::actionContext() const {
     c.windowCount = int(documents_.size());
     c.clipboardFull = hasClipboard();
     c.playAndRecord = playAndRecord_;
+    c.jobRunning = running_ != nullptr;
+    c.jobUnit = running_ ? running_->unit() : nullptr;
     return c;
 }
 
@@ -158,7 +166,17 @@ ActionStatus Workspace::status(std::string_view action) const {
 }
 
 void Workspace::requestCancel() {
-    if (active_) setCancelled(active_->cancelFlag());
+    if (running_)
+        running_->cancel();
+    else if (active_)
+        setCancelled(active_->cancelFlag());
+}
+
+FormContext Workspace::formContext() const {
+    if (active_) return formContext(*active_);
+    FormContext c;
+    c.waves = this;
+    return c;
 }
 
 FormContext Workspace::formContext(const TUnitWave& unit) const {
@@ -195,81 +213,21 @@ ActionResult formRefusal(const FormError& e) {
     return r;
 }
 
-// Calls v(slot, operation) for the parameter-driven action `name`; false when it is none.
-template <class V>
-bool visitOperation(std::string_view name, V&& v) {
-    using U = UnitRecords;
-    using T = TUnitWave;
-    if (name == "MakeSilence") return v(&U::silence, &T::makeSilence), true;
-    if (name == "MakeLine") return v(&U::line, &T::makeLine), true;
-    if (name == "MakeBlock") return v(&U::makeBlock, &T::makeBlock), true;
-    if (name == "MakeTriangle") return v(&U::makeTriangle, &T::makeTriangle), true;
-    if (name == "MakeSinus") return v(&U::sinus, &T::makeSinus), true;
-    if (name == "MakeNoise") return v(&U::noise, &T::makeNoise), true;
-    if (name == "MakeMFreq") return v(&U::mfreq, &T::makeMFreq), true;
-    if (name == "Volume") return v(&U::volume, &T::volume), true;
-    if (name == "Up") return v(&U::up, &T::up), true;
-    if (name == "Block") return v(&U::block, &T::block), true;
-    if (name == "RollOut") return v(&U::rollOut, &T::rollOut), true;
-    if (name == "RollIn") return v(&U::rollIn, &T::rollIn), true;
-    if (name == "Rotate") return v(&U::rotate, &T::rotate), true;
-    if (name == "Length") return v(&U::length, &T::length), true;
-    if (name == "Distort") return v(&U::distort, &T::distort), true;
-    if (name == "Balance") return v(&U::balance, &T::balance), true;
-    if (name == "MixLeftRight") return v(&U::leftRight, &T::mixLeftRight), true;
-    if (name == "PerEcho") return v(&U::perEcho, &T::perEcho), true;
-    if (name == "RndEcho") return v(&U::randomEcho, &T::randomEcho), true;
-    if (name == "TempoPitch") return v(&U::tempoPitch, &T::tempoPitch), true;
-    if (name == "FilterBlock") return v(&U::blockFilter, &T::filterBlock), true;
-    if (name == "FilterLow") return v(&U::lowFilter, &T::filterLow), true;
-    if (name == "FilterHigh") return v(&U::highFilter, &T::filterHigh), true;
-    if (name == "FilterRes") return v(&U::resonant, &T::filterResonant), true;
-    if (name == "FilterNotch") return v(&U::notch, &T::filterNotch), true;
-    return false;
-}
+PreparedAction done(ActionResult result) { return PreparedAction{std::move(result), nullptr}; }
 }  // namespace
 
-template <class R>
-ActionResult Workspace::operate(TUnitWave& unit, R UnitRecords::*slot,
-                                bool (TUnitWave::*op)(const R&), const TypedFields& fields) {
-    // The dialog starts from what was last used on this wave; nothing changes on a refusal.
-    R record = unit.records().*slot;
-    if (auto error = applyTypedFields(record, fields, formContext(unit))) return formRefusal(*error);
-    frameRecords_.*slot = record;
-    return changeDocument(unit, [&] { return (unit.*op)(frameRecords_.*slot); });
-}
-
-ActionResult Workspace::runOperation(const ActionDef& def, TUnitWave& unit,
-                                     const TypedFields& fields) {
-    if (def.name == "EditMix") {
-        MixRecord record = unit.records().mix;
-        if (auto error = applyTypedFields(record, fields, formContext(unit)))
-            return formRefusal(*error);
-        frameRecords_.mix = record;
-        return changeDocument(unit, [&] { return unit.mix(frameRecords_.mix, clipboard()); });
-    }
-    ActionResult result;
-    const bool known = visitOperation(def.name, [&](auto slot, auto op) {
-        result = operate(unit, slot, op, fields);
-    });
-    if (!known)
-        return refuse(ActionResult::Kind::Unknown, kUsageErrorCaption,
-                      "Unknown action \"" + std::string(def.name) + "\".");
-    return result;
-}
-
-ActionResult Workspace::runFile(const ActionDef& def, const TypedFields& fields) {
+ActionResult Workspace::runFile(const ActionDef& def, const FormInput& input) {
     const std::string_view name = def.name;
     if (name == "FileNewWave") {
         WaveFilePropsRecord record(WaveFileProps{44100, 2, 2});
-        FormContext context;
-        context.waves = this;
-        if (auto error = applyTypedFields(record, fields, context)) return formRefusal(*error);
+        FormInput in = input;
+        in.context.waves = this;
+        if (auto error = readForm(record, in)) return formRefusal(*error);
         newWave(record.props());
         return {};
     }
+    const std::string* file = input.typed ? typedValue(*input.typed, "File") : nullptr;
     if (name == "FileOpenWave" || name == "FileSaveAs") {
-        const std::string* file = typedValue(fields, "File");
         if (!file || file->empty())
             return refuse(ActionResult::Kind::InputError, kUsageErrorCaption,
                           std::string(name) + " needs the field File.");
@@ -285,7 +243,6 @@ ActionResult Workspace::runFile(const ActionDef& def, const TypedFields& fields)
     if (name == "FileSave") {
         // A wave that was never saved has no file of its own yet: it needs a name first.
         if (active_->isNew()) {
-            const std::string* file = typedValue(fields, "File");
             if (!file || file->empty())
                 return refuse(ActionResult::Kind::InputError, kUsageErrorCaption,
                               "FileSave needs the field File.");
@@ -298,20 +255,11 @@ ActionResult Workspace::runFile(const ActionDef& def, const TypedFields& fields)
             return refuse(ActionResult::Kind::Refused, kSaveErrorCaption, kSaveErrorText, false);
         return {};
     }
-    if (name == "FileProperties") {
-        TUnitWave& unit = *active_;
-        WaveFilePropsRecord record(
-            WaveFileProps{unit.getFreq(), unit.getMonoStereo(), unit.getBytesPSample()});
-        if (auto error = applyTypedFields(record, fields, formContext(unit)))
-            return formRefusal(*error);
-        const WaveFileProps props = record.props();
-        return changeDocument(unit, [&] { return unit.convert(props); });
-    }
     return refuse(ActionResult::Kind::NeedsWindow, kUsageErrorCaption,
                   std::string(name) + " needs the desktop program.");
 }
 
-ActionResult Workspace::runDocument(const ActionDef& def, const TypedFields& fields) {
+ActionResult Workspace::runDocument(const ActionDef& def, const FormInput& input) {
     const std::string_view name = def.name;
     if (name == "Undo") {
         if (!undo()) return {ActionResult::Kind::Nothing, "", ""};
@@ -328,50 +276,138 @@ ActionResult Workspace::runDocument(const ActionDef& def, const TypedFields& fie
     }
     if (name == "Register") {
         RegisterRecord record(active_->getName());
-        if (auto error = applyTypedFields(record, fields, formContext(*active_)))
-            return formRefusal(*error);
+        if (auto error = readForm(record, input)) return formRefusal(*error);
         if (!registerName(*active_, record.name))
             return refuse(ActionResult::Kind::Refused, kRegisterErrorCaption, lastError_, false);
+        return {};
+    }
+    if (name == "EditClearClipboard") {
+        clearClipboard();
         return {};
     }
     return refuse(ActionResult::Kind::Unknown, kUsageErrorCaption,
                   "Unknown action \"" + std::string(name) + "\".");
 }
 
-ActionResult Workspace::runAction(std::string_view name, const TypedFields& fields) {
+PreparedAction Workspace::prepareOperation(const ActionDef& def, TUnitWave& unit,
+                                           const FormInput& input) {
+    PrepareContext context(unit, *this, ClipBoardSound, clipBytesPSample_);
+    Plan plan;
+    bool planned = false;
+    if (auto error = def.operation->prepare(input, unit, frameRecords_, context, plan, planned))
+        return done(formRefusal(*error));
+    if (const auto& refusal = context.refusal())
+        return done(refuse(ActionResult::Kind::Refused, refusal->caption, refusal->text()));
+    if (!planned) return done({ActionResult::Kind::Nothing, "", ""});
+    if (plan.showRange)
+        if (WaveView* view = unit.getView()) view->showRange(plan.begin, plan.end);
+    ORV_ASSERT_TEXT(running_ == nullptr, "one job at a time", "Main");
+    std::unique_ptr<OperationJob> job(
+        new OperationJob(def.name, unit, context.source(), std::move(plan)));
+    job->owner_ = this;
+    running_ = job.get();
+    return PreparedAction{{}, std::move(job)};
+}
+
+PreparedAction Workspace::prepare(std::string_view name, const FormInput& given) {
     const ActionDef* def = findAction(name);
     if (!def)
-        return refuse(ActionResult::Kind::Unknown, kUsageErrorCaption,
-                      "Unknown action \"" + std::string(name) + "\".");
+        return done(refuse(ActionResult::Kind::Unknown, kUsageErrorCaption,
+                           "Unknown action \"" + std::string(name) + "\"."));
     switch (def->flow) {
-        case ActionFlow::Inert: return {ActionResult::Kind::Nothing, "", ""};
+        case ActionFlow::Inert: return done({ActionResult::Kind::Nothing, "", ""});
         case ActionFlow::Front:
-            return refuse(ActionResult::Kind::NeedsWindow, kUsageErrorCaption,
-                          std::string(name) + " needs the desktop program.");
+            return done(refuse(ActionResult::Kind::NeedsWindow, kUsageErrorCaption,
+                               std::string(name) + " needs the desktop program."));
         default: break;
     }
-    if (!status(name).enabled)
-        return refuse(ActionResult::Kind::Disabled, kUsageErrorCaption,
-                      std::string(name) + " is not available now.");
+    const ActionStatus state = actionStatus(*def, actionContext());
+    if (!state.enabled)
+        return done(refuse(ActionResult::Kind::Disabled, kUsageErrorCaption,
+                           std::string(name) + " is not available now: " +
+                               std::string(state.reason) + "."));
     if (active_) active_->clearCancel();
-    switch (def->flow) {
-        case ActionFlow::File: return runFile(*def, fields);
-        case ActionFlow::Document: return runDocument(*def, fields);
-        case ActionFlow::Operation: return runOperation(*def, *active_, fields);
-        default: return runEdit(*def, *active_);
+    FormInput input = given;
+    input.context = formContext();
+    if (def->operation && active_) return prepareOperation(*def, *active_, input);
+    if (def->flow == ActionFlow::File) return done(runFile(*def, input));
+    return done(runDocument(*def, input));
+}
+
+PreparedAction Workspace::prepareAction(std::string_view name, const TypedFields& fields) {
+    FormInput input;
+    input.typed = &fields;
+    return prepare(name, input);
+}
+
+PreparedAction Workspace::prepareAction(std::string_view name, const FormState& accepted) {
+    FormInput input;
+    input.accepted = &accepted;
+    return prepare(name, input);
+}
+
+void Workspace::jobGone(const OperationJob* job) {
+    if (running_ == job) running_ = nullptr;
+}
+
+ActionResult Workspace::commit(std::unique_ptr<OperationJob> job) {
+    ORV_ASSERT(job != nullptr && job->computed(), "Main");
+    jobGone(job.get());
+    TUnitWave* unit = job->unit();
+    // Its window was closed while it computed: nothing to give the result to.
+    if (!isOpen(unit)) return {ActionResult::Kind::Cancelled, "", ""};
+    WaveView* view = unit->getView();
+    const Plan& plan = job->plan_;
+    const bool made = plan.toClipboard ? job->taken_ != nullptr
+                                       : job->made_ != nullptr || plan.bytesPSample != 0;
+    // A document changed under the job (not through the commands, which wait for it) keeps
+    // its change: the result was made from a sound it no longer holds.
+    const bool stale = unit->soundRef() != job->source_;
+    if (job->cancelled() || !made || stale) {
+        if (view) view->repaintAll();
+        return {job->cancelled() ? ActionResult::Kind::Cancelled : ActionResult::Kind::Nothing,
+                "", ""};
     }
+    if (plan.toClipboard) {
+        setClipboard(std::move(job->taken_), unit->getBytesPSample());
+        return {};
+    }
+    // The snapshot of the state the job started from; the one before goes (its sound goes
+    // with it unless somebody still holds it).
+    std::unique_ptr<TUndoUnit> previous = std::move(undo_);
+    undo_ = std::make_unique<TUndoUnit>(unit, job->bytesBefore_, unit->soundRef(),
+                                        job->cursorBefore_, job->selEndBefore_);
+    previous.reset();
+    if (plan.bytesPSample != 0) {
+        std::shared_ptr<Sound> result = job->made_ ? std::shared_ptr<Sound>(std::move(job->made_))
+                                                   : unit->soundRef();
+        unit->takeConverted(std::move(result), plan.bytesPSample, plan.positionScale);
+    } else {
+        unit->takeResult(std::move(job->made_), job->madeBegin_, job->madeEnd_);
+    }
+    unit->setChanged();
+    if (view) view->refreshStatus(*unit);
+    if (job->taken_) setClipboard(std::move(job->taken_), unit->getBytesPSample());
+    return {};
+}
+
+ActionResult Workspace::runAction(std::string_view name, const TypedFields& fields) {
+    PreparedAction prepared = prepareAction(name, fields);
+    if (!prepared.job) return prepared.result;
+    prepared.job->compute();
+    return commit(std::move(prepared.job));
 }
 
 std::unique_ptr<FormView> Workspace::actionForm(std::string_view name) {
-    if (!active_) return nullptr;
-    TUnitWave& unit = *active_;
-    std::unique_ptr<FormView> form;
-    if (name == "EditMix") return std::make_unique<RecordForm<MixRecord>>(unit.records().mix);
-    visitOperation(name, [&](auto slot, auto) {
-        using R = std::remove_reference_t<decltype(unit.records().*slot)>;
-        form = std::make_unique<RecordForm<R>>(unit.records().*slot);
-    });
-    return form;
+    const ActionDef* def = findAction(name);
+    if (!active_ || !def || !def->operation || !def->operation->form) return nullptr;
+    return def->operation->form(*active_);
+}
+
+std::optional<FormError> Workspace::checkForm(std::string_view name, const FormState& state) {
+    const ActionDef* def = findAction(name);
+    if (!active_ || !def || !def->operation || !def->operation->check) return std::nullopt;
+    return def->operation->check(state, *active_, formContext(*active_));
 }
 
 }  // namespace orv

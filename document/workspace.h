@@ -7,10 +7,15 @@
 // caption, exactly as the desktop program shows it in a message box, and the result of
 // runAction repeats it so that a caller can pick an exit status.
 //
-// Undo and cancel: a changing command takes the undo snapshot before it runs; when the
-// command is cancelled the document keeps its sound, cursor, selection and state, and the
-// undo slot gets back the snapshot it held before the command (so undo still undoes the
-// last change that happened).
+// Commands that compute run as jobs (job.h, operation.h): prepareAction reads the input and
+// pins what the job reads, the caller computes the job on a thread of its choice, and
+// commit hands the result to the document. runAction does the three in a row (the command
+// line). While a job is out, the enabling rules let only what cannot conflict with it run.
+//
+// Undo and cancel: the undo snapshot of a changing command is taken when its result is
+// committed, from the state the document had when the job was prepared; a cancelled job
+// leaves the document's sound, cursor, selection and state, and the undo slot, exactly as
+// they were (so undo still undoes the last change that happened).
 //
 // Clipboard: copy, cut, swap and extract put the part (the selection, or the whole wave
 // when nothing is selected) into the clipboard with the document's sample width; paste
@@ -20,12 +25,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/sound.h"
 #include "document/actions.h"
+#include "document/job.h"
 #include "document/record_form.h"
 #include "document/register_check.h"
 #include "document/undo_unit.h"
@@ -48,6 +55,13 @@ struct ActionResult {
     std::string caption;  // the message box caption, empty when none was shown
     std::string text;     // the message text
     bool ok() const { return kind == Kind::Done || kind == Kind::Nothing; }
+};
+
+// A prepared command: either it already ran (or was refused) and `result` says how, or it
+// left a job to compute and to hand to Workspace::commit.
+struct PreparedAction {
+    ActionResult result;
+    std::unique_ptr<OperationJob> job;
 };
 
 inline constexpr std::string_view kFileErrorCaption = "File Error";
@@ -93,9 +107,8 @@ public:
     TUnitWave* findByName(std::string_view name) const;  // registered names only
     bool waveExists(std::string_view name) const override;
     std::vector<std::string> waveNames() const override;
-    const Sound* soundByName(std::string_view name) const override;
+    std::shared_ptr<const Sound> soundByName(std::string_view name) const override;
     void unitDestroyed(TUnitWave& unit) override;
-    bool undoHolds(const Sound* sound) const override;
 
     // ---- undo ----------------------------------------------------------------------
     // Replaces the snapshot with one of `unit`; hands the previous one back.
@@ -123,68 +136,62 @@ public:
     void setPlayAndRecord(bool on) { playAndRecord_ = on; }
     ActionStatus status(std::string_view action) const;
 
-    // Runs an action on the active document. Parameter-driven actions start from the
-    // document's remembered record and apply `fields` ("Caption=Value" pairs, as
-    // record_form.h reads them) in order; file actions take their file name from a field
-    // "File" (FileOpenWave, FileSaveAs, and FileSave of a wave that was never saved).
-    // The cancel flag of the document is cleared before the command starts.
+    // Runs an action on the active document, computing on the calling thread. Parameter-
+    // driven actions start from the document's remembered record and apply `fields`
+    // ("Caption=Value" pairs, as record_form.h reads them) in order; file actions take their
+    // file name from a field "File" (FileOpenWave, FileSaveAs, and FileSave of a wave that
+    // was never saved). The cancel flag of the document is cleared before the command starts.
     ActionResult runAction(std::string_view name, const TypedFields& fields = {});
 
-    // The form an action reads, over the active document's remembered record (for
-    // listings); nullptr when the action has none or no document is active.
-    std::unique_ptr<FormView> actionForm(std::string_view name);
+    // The first step alone, with typed fields or with the state of a dialog that was
+    // accepted (read as it stands: what the user typed reaches the operation unrounded).
+    // Commands that do not compute run here and come back as the result.
+    PreparedAction prepareAction(std::string_view name, const TypedFields& fields = {});
+    PreparedAction prepareAction(std::string_view name, const FormState& accepted);
+    // The last step (user-interface thread): the document takes what the job made, or stays
+    // as it was when the job was cancelled, made nothing, or its document changed or closed
+    // meanwhile.
+    ActionResult commit(std::unique_ptr<OperationJob> job);
+    // The job that was prepared and not yet committed, or nullptr.
+    const OperationJob* runningJob() const { return running_; }
 
-    // Raises the active document's cancel flag (any thread).
+    // The form an action reads, over the active document's remembered record (for
+    // listings and for filling a dialog); nullptr when the action has none or no document
+    // is active.
+    std::unique_ptr<FormView> actionForm(std::string_view name);
+    // What accepting the dialog's state would say, without changing anything.
+    std::optional<FormError> checkForm(std::string_view name, const FormState& state);
+    // What a form of the active document reads with (the registered waves, its length).
+    FormContext formContext() const;
+
+    // Raises the cancel flag of the running job, or else of the active document (any thread).
     void requestCancel();
 
 private:
-    // The operation flow around one call of the document (snapshot, run, changed or
-    // rolled back).
-    template <class Run>
-    ActionResult changeDocument(TUnitWave& unit, Run&& run);
-    ActionResult runOperation(const ActionDef& def, TUnitWave& unit, const TypedFields& fields);
-    ActionResult runEdit(const ActionDef& def, TUnitWave& unit);
-    ActionResult runFile(const ActionDef& def, const TypedFields& fields);
-    ActionResult runDocument(const ActionDef& def, const TypedFields& fields);
+    friend class OperationJob;
+    // A job is destroyed (committed or dropped).
+    void jobGone(const OperationJob* job);
+    PreparedAction prepare(std::string_view name, const FormInput& input);
+    PreparedAction prepareOperation(const ActionDef& def, TUnitWave& unit, const FormInput& input);
+    ActionResult runFile(const ActionDef& def, const FormInput& input);
+    ActionResult runDocument(const ActionDef& def, const FormInput& input);
     ActionResult refuse(ActionResult::Kind kind, std::string_view caption, std::string_view text,
                         bool show = true);
     FormContext formContext(const TUnitWave& unit) const;
-    // Every parameter-driven action of a document: its remembered record and operation.
-    template <class R>
-    ActionResult operate(TUnitWave& unit, R UnitRecords::*slot, bool (TUnitWave::*op)(const R&),
-                         const TypedFields& fields);
+    bool isOpen(const TUnitWave* unit) const;
 
     std::vector<std::unique_ptr<TUnitWave>> documents_;
     TUnitWave* active_ = nullptr;
     std::unique_ptr<TUndoUnit> undo_;
-    SoundPtr ClipBoardSound;
+    // Shared: a job that reads the clipboard keeps its contents alive.
+    std::shared_ptr<const Sound> ClipBoardSound;
     std::uint16_t clipBytesPSample_ = 2;
     UnitRecords frameRecords_;
     WindowState window_;
     bool playAndRecord_ = true;
     bool closing_ = false;
     std::string lastError_;  // the text of the last refusal shown
+    OperationJob* running_ = nullptr;
 };
-
-template <class Run>
-ActionResult Workspace::changeDocument(TUnitWave& unit, Run&& run) {
-    unit.clearCancel();
-    std::unique_ptr<TUndoUnit> previous = makeUndo(unit);
-    if (!run()) {
-        // Nothing changed: the snapshot taken for this command shares the unit's sound and
-        // goes without deleting anything; the one from before comes back.
-        const bool cancelled = unit.cancelled();
-        undo_ = std::move(previous);
-        if (cancelled) return {ActionResult::Kind::Cancelled, "", ""};
-        return {ActionResult::Kind::Nothing, "", ""};
-    }
-    // The older snapshot may share the sound the new one keeps (a snapshot taken without an
-    // operation after it); that sound is not its to delete any more.
-    if (previous && undo_ && previous->sound() == undo_->sound()) previous->disown();
-    previous.reset();
-    unit.setChanged();
-    if (WaveView* view = unit.getView()) view->refreshStatus(unit);
-    return {};
-}
 
 }  // namespace orv

@@ -81,12 +81,37 @@ TEST(FormChecks, MessagesWordForWord) {
         {check(TwoPositions{}, {{"First", "1 s"}, {"Second", "1 s"}}), "(accepted)"},
         {check(VolumeRecord{}, {{"Colour", "red"}}),
          "Usage Error / There is no field \"Colour\" in \"Change Volume\"."},
+        // Not a choice: the value of the option's one typed field, read as such.
         {check(VolumeRecord{}, {{"Volume Factor", "Loud"}}),
-         "Usage Error / In Volume Factor: Choose one of: Constant, Envelope."},
+         "Input Error / In Volume Factor: Input has no value."},
+        // Two typed fields behind the option: no guessing which one was meant.
+        {check(RotateRecord{}, {{"Rotate by", "3"}}),
+         "Usage Error / In Rotate by: Choose one of: Factor, Time."},
         {check(HighLowRecord{}, {{"Maximize Volume", "maybe"}}),
          "Usage Error / In Maximize Volume: Use on or off."},
     };
     for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i].first, rows[i].second) << i;
+}
+
+// "Echo Volume=50%": an option given a value that is none of its choices sets its one
+// typed field, and the option follows it, whatever it was before.
+TEST(FormReading, AnOptionGivenAValueSetsItsOneTypedField) {
+    Names names({"drum"});
+    FormContext ctx;
+    ctx.waves = &names;
+    PerEchoRecord echo;
+    ASSERT_FALSE(applyTypedFields(echo, {{"Echo Volume", "Envelope"}, {"Echo Volume Envelope", "drum"},
+                                         {"Echo Volume", "50 %"}}, ctx));
+    EXPECT_EQ(echo.volumeKind, kConstant);
+    EXPECT_EQ(echo.volume.value, 0.5);
+    EXPECT_EQ(echo.volume.unit, kUnitPercent);
+    BalanceRecord balance;
+    ASSERT_FALSE(applyTypedFields(balance, {{"Direction", "-1"}}, ctx));
+    EXPECT_EQ(balance.direction.value, -1.0);
+    ResNotchRecord res;
+    ASSERT_FALSE(applyTypedFields(res, {{"Frequency Width", "0.3"}}, ctx));
+    EXPECT_EQ(res.widthKind, kConstant);
+    EXPECT_DOUBLE_EQ(res.width.value, 0.3);
 }
 
 TEST(FormReading, ARefusedEntryLeavesTheRecordAndShowsAnInformationBox) {

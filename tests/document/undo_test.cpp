@@ -43,7 +43,7 @@ TEST(UndoUnit, RecordDeletesTheOldSoundOnceTheUnitHoldsAnother) {
     auto undo = std::make_unique<TUndoUnit>(&u);
     const Sound* old = u.getSound();
     // What an operation does: the unit takes a new sound, the old one stays with the record.
-    EXPECT_EQ(u.swapSound(mono({9}).release()), old);
+    EXPECT_EQ(u.swapSound(mono({9})).get(), old);
     EXPECT_TRUE(undo->ownsSound());
     RecordingPlatformScope rec;
     undo.reset();  // AddressSanitizer reports a leak or a double delete here

@@ -161,116 +161,109 @@ TEST(UnitSave, WholeWaveSelectionAndTaggedRange) {
     EXPECT_TRUE(rec.recorder.messages.empty());
 }
 
-TEST(UnitWaveOperations, VolumeOverTheSelectionRemembersItsRecordAndSelectsTheResult) {
-    TUnitWave u(mono({100, -200, 301, 7, 9}), 2, "a.wav");
+// The operations run through the workspace's action flow, from the record the unit
+// remembers (what a dialog shows and hands back unchanged when OK is pressed at once).
+using UnitWaveOperations = WorkspaceFixture;
+
+TEST_F(UnitWaveOperations, VolumeOverTheSelectionRemembersItsRecordAndSelectsTheResult) {
+    TUnitWave& u = load({100, -200, 301, 7, 9});
     RecordingView view;
     u.setView(&view);
     select(u, 1, 4);
     view.calls.clear();
-    VolumeRecord r;
-    r.factor.value = 0.5;
-    ASSERT_TRUE(u.volume(r));
+    u.records().volume.factor.value = 0.5;
+    ASSERT_TRUE(run("Volume"));
     EXPECT_EQ(samplesOf(u), (Samples{100, -100, 150, 3, 9}));
     EXPECT_EQ(u.records().volume.factor.value, 0.5);
     EXPECT_EQ(u.selBegin(), 1);
     EXPECT_EQ(u.selEnd(), 4);
     EXPECT_EQ(view.calls.front(), "show 1 4");  // the range goes to the view first
-    EXPECT_EQ(view.calls.back(), "repaintAll");
-    EXPECT_EQ(u.getState(), kStateSaved);  // the command layer marks it, not the unit
+    EXPECT_EQ(view.calls.back(), "status");     // repainted, then the status bar
+    EXPECT_EQ(view.calls[view.calls.size() - 2], "repaintAll");
+    EXPECT_EQ(u.getState(), kStateChanged);
 }
 
-TEST(UnitWaveOperations, GeneratorsInsertAtTheCursorOrReplaceTheSelection) {
-    TUnitWave u(mono({1, 2, 3}), 2, "a.wav");
+TEST_F(UnitWaveOperations, GeneratorsInsertAtTheCursorOrReplaceTheSelection) {
+    TUnitWave& u = load({1, 2, 3});
     u.setCursor(1);
-    SilenceRecord silence;
-    silence.length.value = 0.001;  // trunc(1000 x 0.001 + 1) = 2 samples
-    ASSERT_TRUE(u.makeSilence(silence));
+    u.records().silence.length.value = 0.001;  // trunc(1000 x 0.001 + 1) = 2 samples
+    ASSERT_TRUE(run("MakeSilence"));
     EXPECT_EQ(samplesOf(u), (Samples{1, 0, 0, 2, 3}));
     EXPECT_EQ(u.selBegin(), 1);
     EXPECT_EQ(u.selEnd(), 3);
-    LineRecord line;  // replaces the selection 1..3 by 0, 1, 2, 3, 4
-    line.beginValue.value = 0;
-    line.endValue.value = 4;
-    line.length.value = 0.004;
-    ASSERT_TRUE(u.makeLine(line));
+    // Replaces the selection 1..3 by 0, 1, 2, 3, 4.
+    ASSERT_TRUE(run("MakeLine", {{"Begin Value", "0"}, {"End Value", "4 $"}, {"Length", "4 ms"}}));
     EXPECT_EQ(samplesOf(u), (Samples{1, 0, 1, 2, 3, 4, 2, 3}));
     EXPECT_EQ(u.selEnd(), 6);
 
-    TUnitWave b("NONAME", WaveFileProps{1000, 1, 2});
-    BlockTriangleRecord r;
-    r.frequency.value = 0.004;  // a period of 4 samples
-    r.lengthKind = kLengthCount;
-    r.lengthCount = 2;  // 0.008 s: trunc(8 + 1) = 9 samples
-    r.height1.value = 100;
-    r.height2.value = -100;
-    ASSERT_TRUE(b.makeBlock(r));
+    TUnitWave& b = ws.newWave(WaveFileProps{1000, 1, 2});
+    // A period of 4 samples, twice: 0.008 s, trunc(8 + 1) = 9 samples.
+    ASSERT_TRUE(run("MakeBlock", {{"Frequency", "250 Hz"}, {"Length Count", "2"},
+                                  {"Height 1", "100 $"}, {"Height 2", "-100 $"}}));
     EXPECT_EQ(samplesOf(b), (Samples{100, 100, -100, -100, 100, 100, -100, -100, 100}));
     // Block and triangle keep records of their own.
     EXPECT_EQ(b.records().makeBlock.lengthCount, 2);
     EXPECT_EQ(b.records().makeTriangle.lengthCount, 10);
 }
 
-TEST(UnitWaveOperations, RotateByTimeOrFactorToEitherSide) {
+TEST_F(UnitWaveOperations, RotateByTimeOrFactorToEitherSide) {
     const struct { std::uint8_t kind, side; double amount; Samples want; } rows[] = {
         {RotateRecord::kByTime, RotateRecord::kRight, 0.002, {4, 5, 1, 2, 3}},
         {RotateRecord::kByFactor, RotateRecord::kLeft, 0.4, {3, 4, 5, 1, 2}},
     };
     for (const auto& row : rows) {
-        RotateRecord r;
+        TUnitWave& u = load({1, 2, 3, 4, 5});
+        RotateRecord& r = u.records().rotate;
         r.kind = row.kind;
         r.shiftTo = row.side;
         (row.kind == RotateRecord::kByTime ? r.time : r.factor).value = row.amount;
-        TUnitWave u(mono({1, 2, 3, 4, 5}), 2, "a.wav");
-        ASSERT_TRUE(u.rotate(r));
+        ASSERT_TRUE(run("Rotate"));
         EXPECT_EQ(samplesOf(u), row.want) << int(row.kind) << " " << int(row.side);
     }
 }
 
-TEST(UnitWaveOperations, LengthEnvelopeAndBalanceUseTheHost) {
-    Workspace ws;
-    TUnitWave& u = ws.add(std::make_unique<TUnitWave>(mono(rampOf(100)), 2, "a.wav"));
-    LengthRecord r;
+TEST_F(UnitWaveOperations, LengthEnvelopeAndBalanceUseTheHost) {
+    TUnitWave& u = load(rampOf(100));
+    LengthRecord& r = u.records().length;
     r.lengthKind = kLengthNew;
     r.newLength.value = 0.04;  // the selected 0.02 s become 0.04 s
     select(u, 0, 20);
-    ASSERT_TRUE(u.length(r));
+    ASSERT_TRUE(run("Length"));
     EXPECT_EQ(u.values(), 120);
     EXPECT_EQ(u.selEnd(), 40);
 
-    TUnitWave& env = ws.add(std::make_unique<TUnitWave>(mono({16384, 16384}), 2, "e.wav"));
+    TUnitWave& env = load({16384, 16384}, 2, "e.wav");
     ASSERT_TRUE(ws.registerName(env, "half"));
-    TUnitWave& v = ws.add(std::make_unique<TUnitWave>(mono({100, 301, -60}), 2, "v.wav"));
-    VolumeRecord vr;
-    vr.kind = kEnvelope;
-    vr.envelope = "half";
-    ASSERT_TRUE(v.volume(vr));
+    TUnitWave& v = load({100, 301, -60}, 2, "v.wav");
+    v.records().volume.kind = kEnvelope;
+    v.records().volume.envelope = "half";
+    ASSERT_TRUE(run("Volume"));
     EXPECT_EQ(samplesOf(v), (Samples{50, 150, -30}));  // 16384 / 32767 is a hair above 1/2
 
-    v.setCursor(1);
-    BalanceRecord b;  // in the middle, no differences: the whole wave becomes stereo
-    ASSERT_TRUE(v.balance(b));
+    v.setCursor(1);  // in the middle, no differences: the whole wave becomes stereo
+    ASSERT_TRUE(run("Balance"));
     EXPECT_EQ(v.getMonoStereo(), 2);
     EXPECT_EQ(v.selBegin(), 0);
     EXPECT_EQ(v.selEnd(), 3);
 }
 
-TEST(UnitWaveOperations, CancelledOperationLeavesTheUnitExactlyAsItWas) {
-    TUnitWave u(mono(rampOf(5000)), 2, "a.wav");
+TEST_F(UnitWaveOperations, CancelledOperationLeavesTheUnitExactlyAsItWas) {
+    TUnitWave& u = load(rampOf(5000));
     u.setChanged();
     select(u, 4500, 200);
     RecordingView view;
     u.setView(&view);
     const Sound* before = u.getSound();
     ChunkHookScope hook(u.cancelFlag(), 1200);
-    VolumeRecord r;
-    r.factor.value = 2.0;
-    EXPECT_FALSE(u.volume(r));
+    u.records().volume.factor.value = 2.0;
+    EXPECT_EQ(ws.runAction("Volume").kind, ActionResult::Kind::Cancelled);
     EXPECT_GT(hook.chunks.size(), 1u);  // it really stopped in the middle
     EXPECT_EQ(u.getSound(), before);
     EXPECT_EQ(samplesOf(u), rampOf(5000));
     EXPECT_EQ(u.getCursor(), 4500);
     EXPECT_EQ(u.getSelEndPos(), 200);
     EXPECT_EQ(u.getState(), kStateChanged);
+    EXPECT_EQ(u.records().volume.factor.value, 2.0);  // the dialog reopens with it
     EXPECT_EQ(view.calls, (Lines{"show 200 4500", "repaintAll"}));
 }
 

@@ -125,7 +125,7 @@ TEST_F(WorkspaceTest, RegisteringNames) {
     TUnitWave& b = load({2});
     ASSERT_TRUE(run("Register", {{"Name", "drum"}}));
     EXPECT_EQ(b.getName(), "drum");
-    EXPECT_EQ(ws.soundByName("drum"), b.getSound());
+    EXPECT_EQ(ws.soundByName("drum").get(), b.getSound());
     EXPECT_EQ(ws.waveNames(), (Lines{"drum"}));
     // Another wave may not take it; the old name stays.
     ASSERT_TRUE(ws.registerName(a, "bass"));
@@ -151,7 +151,7 @@ TEST_F(WorkspaceTest, RefusalsOfRunAction) {
     EXPECT_EQ(r.text, "Unknown action \"Bogus\".");
     r = ws.runAction("Volume");  // no document
     EXPECT_EQ(r.kind, Kind::Disabled);
-    EXPECT_EQ(r.text, "Volume is not available now.");
+    EXPECT_EQ(r.text, "Volume is not available now: no wave window is open.");
     ws.newWave({1000, 1, 2});
     EXPECT_EQ(ws.runAction("Reverse").kind, Kind::Disabled);  // nothing to reverse
     EXPECT_EQ(ws.runAction("FilePlay").kind, Kind::NeedsWindow);

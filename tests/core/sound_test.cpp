@@ -335,5 +335,27 @@ TEST_F(SoundTest, CyclicMixWrapsToTheStartAndLogs) {
     EXPECT_EQ(left(p), (Vals{1, 2, 13, 24}));
 }
 
+// The stereo low- and high-pass run both channels in one loop of their own: each channel
+// must come out exactly as the mono filter makes it, with its own filter state.
+TEST(StereoFilter, EachChannelFiltersAsTheMonoFilterDoes) {
+    Samples l(3000), r(3000);
+    for (int i = 0; i < 3000; ++i) {
+        l[i] = (i * 7919) % 20000 - 10000;
+        r[i] = ((i / 40) % 2 ? 12000 : -12000) + (i % 13) * 300;
+    }
+    const SoundPtr st = stereo(l, r, 8000);
+    for (PassFilter f : {PassFilter(LowPass), PassFilter(HighPass)}) {
+        for (int passes : {1, 3}) {
+            CancelFlag c{0};
+            const SoundPtr both = st->ApplyFilter(&c, f, 0.002, 0.6, passes, 1, 200, 2900);
+            const SoundPtr left = mono(l, 8000)->ApplyFilter(&c, f, 0.002, 0.6, passes, 1, 200, 2900);
+            const SoundPtr right = mono(r, 8000)->ApplyFilter(&c, f, 0.002, 0.6, passes, 1, 200, 2900);
+            ASSERT_TRUE(both && left && right);
+            EXPECT_EQ(samplesOf(both->GetLeftWave()), samplesOf(left->GetLeftWave())) << passes;
+            EXPECT_EQ(samplesOf(both->GetRightWave()), samplesOf(right->GetLeftWave())) << passes;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace orv

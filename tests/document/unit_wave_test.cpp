@@ -114,9 +114,11 @@ TEST(UnitWaveStatus, PanelTexts) {
     const std::pair<double, const char*> sizes[] = {
         {1023, "1023 b"}, {1024, "1.00 kb"}, {1536, "1.50 kb"}, {10239, "10.00 kb"},
         {10240, "10.0 kb"}, {102400, "100 kb"}, {1048575, "1024 kb"}, {1048576, "1.00 Mb"},
-        {10.0 * 1048576, "10.0 Mb"}, {1024.0 * 1048576, "1.00 Gb"}};
-    // 10239 and 1048575 bytes stay below their thresholds; the writer's nudge of one unit in
-    // the first hidden digit carries them up.
+        {10.0 * 1048576, "10.0 Mb"}, {100.0 * 1048576 - 1, "100.0 Mb"},
+        {100.0 * 1048576, "100 Mb"}, {1024.0 * 1048576 - 1, "1024 Mb"},
+        {1024.0 * 1048576, "1.00 Gb"}};
+    // 10239, 1048575 and the bytes below 100 Mb and 1024 Mb stay below their thresholds; the
+    // writer's rounding carries them up.
     for (const auto& [bytes, text] : sizes) EXPECT_EQ(TUnitWave::sizeText(bytes), text) << bytes;
     // The whole kilohertz plus a tenth, as the panel has always shown it.
     const std::pair<int, const char*> freqs[] = {

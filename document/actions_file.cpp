@@ -1,4 +1,4 @@
-// The file menu, the commands without a menu of their own (undo, register ...), and help.
+// The file menu, the document commands (undo, register, duplicate ...), and help.
 // The file commands run in the workspace (Workspace::runFile); the one that computes,
 // Properties (a conversion to another frequency, width or channel count), has its feed here.
 #include <array>
@@ -87,6 +87,7 @@ constexpr std::array kFileRows{
     actionRow("DeleteUndo", "", "De&lete Undo", "Alt+Del", "Delete Undo", "Forget wave before last wave action", F::Document, E::Free),
     actionRow("Register", "", "&Register...", "N", "Register", "Register a wave using a name", F::Document, E::Free, "Register"),
     actionRow("Options", "", "Options...", "", "", "", F::Inert, E::Never),
+    actionRow("Duplicate", "MakeWave", "&Duplicate", "D", "Duplicate", "Make a duplicate of the wave", F::Document, E::Window),
 };
 
 constexpr std::array kHelpRows{

@@ -1,4 +1,5 @@
-// The menu that makes waves: duplicate, the generators and freehand drawing. Each generator
+// The menu that makes waves: the generators and freehand drawing (duplicate is with the
+// document commands). Each generator
 // replaces the selection, or inserts at the cursor when nothing is selected.
 #include <array>
 #include <cmath>
@@ -136,7 +137,6 @@ using E = EnableRule;
 using U = UnitRecords;
 
 constexpr std::array kRows{
-    actionRow("Duplicate", "MakeWave", "&Duplicate", "D", "Duplicate", "Make a duplicate of the wave", F::Document, E::Window),
     actionRow("MakeSilence", "MakeWave", "&Silence...", "Alt+S", "Silence", "Make a silence wave", F::Operation, E::NotDrawing, "Make Silence", recordOperation<SilenceRecord, &U::silence, feedSilence>()),
     actionRow("MakeLine", "MakeWave", "&Line...", "Alt+L", "Line", "Make a wave of a straight ro exponential line", F::Operation, E::NotDrawing, "Make Line", recordOperation<LineRecord, &U::line, feedLine>()),
     actionRow("MakeBlock", "MakeWave", "&Block...", "Alt+B", "Block", "Make a block wave", F::Operation, E::NotDrawing, "Make Block", recordOperation<BlockTriangleRecord, &U::makeBlock, feedBlockTriangle<false>>()),

@@ -38,6 +38,7 @@ public:
 struct FormContext {
     const WaveNameLookup* waves = nullptr;
     double soundSeconds = 0.0;  // length of the sound being edited
+    std::int32_t sampleFreq = 0;  // its samples per second; 0 when there is no sound
 };
 
 inline constexpr std::string_view kInputErrorCaption = "Input Error";

@@ -4,6 +4,7 @@
 
 #include "core/platform.h"
 #include "document/file_props_record.h"
+#include "document/split_merge.h"
 #include "fileio/wav_file.h"
 
 namespace orv {
@@ -183,6 +184,7 @@ FormContext Workspace::formContext(const TUnitWave& unit) const {
     FormContext c;
     c.waves = this;
     c.soundSeconds = unit.lengthSeconds();
+    c.sampleFreq = unit.getFreq();
     return c;
 }
 
@@ -285,8 +287,67 @@ ActionResult Workspace::runDocument(const ActionDef& def, const FormInput& input
         clearClipboard();
         return {};
     }
+    if (def.category == "WaveWindow") return splitOrMerge(def, input);
     return refuse(ActionResult::Kind::Unknown, kUsageErrorCaption,
                   "Unknown action \"" + std::string(name) + "\".");
+}
+
+void Workspace::takeMade(std::vector<std::unique_ptr<TUnitWave>> made,
+                         std::initializer_list<TUnitWave*> sources) {
+    for (TUnitWave* source : sources) close(*source);
+    lastMade_.clear();
+    for (auto& unit : made) lastMade_.push_back(&add(std::move(unit)));
+}
+
+namespace {
+// A merge reads its two waves first; where they differ its choice starts from properties
+// that lose nothing, and what was typed or chosen goes over that.
+template <class R>
+std::optional<FormError> readMerge(const FormInput& input, const Workspace& ws,
+                                   std::string R::*a, std::string R::*b, R& record,
+                                   TUnitWave*& first, TUnitWave*& second) {
+    R probe;
+    if (auto error = readForm(probe, input)) return error;
+    first = ws.findByName(probe.*a);
+    second = ws.findByName(probe.*b);
+    record.takeDefaultsFrom(*first, *second);
+    return readForm(record, input);
+}
+}  // namespace
+
+ActionResult Workspace::splitOrMerge(const ActionDef& def, const FormInput& input) {
+    TUnitWave& unit = *active_;
+    CancelFlag& cancel = unit.cancelFlag();
+    std::optional<std::vector<std::unique_ptr<TUnitWave>>> made;
+    TUnitWave* first = &unit;
+    TUnitWave* second = nullptr;
+    if (def.name == "SplitV") {
+        made = splitVertically(unit, cancel);
+    } else if (def.name == "SplitH") {
+        SplitHorRecord record;
+        if (auto error = readForm(record, input)) return formRefusal(*error);
+        made = splitHorizontally(unit, record, cancel);
+    } else if (def.name == "MergeH") {
+        MergeHorRecord record;
+        if (auto error = readMerge<MergeHorRecord>(input, *this, &MergeHorRecord::first,
+                                                          &MergeHorRecord::last, record, first,
+                                                          second))
+            return formRefusal(*error);
+        made = mergeHorizontally(*first, *second, record, cancel);
+    } else {
+        MergeVertRecord record;
+        if (auto error = readMerge<MergeVertRecord>(input, *this, &MergeVertRecord::left,
+                                                           &MergeVertRecord::right, record,
+                                                           first, second))
+            return formRefusal(*error);
+        made = mergeVertically(*first, *second, record, cancel);
+    }
+    if (!made) return {ActionResult::Kind::Cancelled, "", ""};
+    if (second)
+        takeMade(std::move(*made), {first, second});
+    else
+        takeMade(std::move(*made), {first});
+    return {};
 }
 
 PreparedAction Workspace::prepareOperation(const ActionDef& def, TUnitWave& unit,
@@ -329,7 +390,8 @@ PreparedAction Workspace::prepare(std::string_view name, const FormInput& given)
     if (active_) active_->clearCancel();
     FormInput input = given;
     input.context = formContext();
-    if (def->operation && active_) return prepareOperation(*def, *active_, input);
+    if (def->operation && def->operation->prepare && active_)
+        return prepareOperation(*def, *active_, input);
     if (def->flow == ActionFlow::File) return done(runFile(*def, input));
     return done(runDocument(*def, input));
 }

@@ -95,6 +95,9 @@ public:
     bool saveAs(TUnitWave& unit, const std::string& fileName);
     // Closes the window of `unit`: forgets the undo snapshot if it is the unit's.
     void close(TUnitWave& unit);
+    // The documents the last split or merge made, in order (the desktop program places a
+    // window for each); their sources are closed.
+    const std::vector<TUnitWave*>& lastMade() const { return lastMade_; }
 
     const std::vector<std::unique_ptr<TUnitWave>>& documents() const { return documents_; }
     TUnitWave* active() const { return active_; }
@@ -175,6 +178,10 @@ private:
     PreparedAction prepareOperation(const ActionDef& def, TUnitWave& unit, const FormInput& input);
     ActionResult runFile(const ActionDef& def, const FormInput& input);
     ActionResult runDocument(const ActionDef& def, const FormInput& input);
+    ActionResult splitOrMerge(const ActionDef& def, const FormInput& input);
+    // Replaces `sources` by the made documents.
+    void takeMade(std::vector<std::unique_ptr<TUnitWave>> made,
+                  std::initializer_list<TUnitWave*> sources);
     ActionResult refuse(ActionResult::Kind kind, std::string_view caption, std::string_view text,
                         bool show = true);
     FormContext formContext(const TUnitWave& unit) const;
@@ -192,6 +199,7 @@ private:
     bool closing_ = false;
     std::string lastError_;  // the text of the last refusal shown
     OperationJob* running_ = nullptr;
+    std::vector<TUnitWave*> lastMade_;
 };
 
 }  // namespace orv

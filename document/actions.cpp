@@ -76,6 +76,7 @@ ActionStatus evaluate(EnableRule rule, const ActionContext& c) {
         case R::Never: return {false, false, "it has no command yet"};
         case R::Free: return {true, false, {}};
         case R::Player: return all({{c.playerBusy, "nothing plays or records"}});
+        case R::Pause: return {true, c.pauseChecked, {}};
         default: break;
     }
     if (!u) return {false, false, kNoWindow};
@@ -84,9 +85,10 @@ ActionStatus evaluate(EnableRule rule, const ActionContext& c) {
         case R::MaySave:
             return all({samples, {u->needsSave(), "the wave is saved as it is"}});
         case R::HasSamples: return all({samples});
-        case R::Playable: return all({player, samples});
+        case R::Playable: return all({player, samples}, c.playChecked);
         case R::Recordable:
-            return all({player, {n == 0, "recording goes into an empty wave only"}});
+            return all({player, {n == 0, "recording goes into an empty wave only"}},
+                       c.recordChecked);
         case R::Samples: return all({notDrawing, samples});
         case R::Part: return all({notDrawing, samples, {part, "nothing is selected"}});
         case R::ClipInto: return all({notDrawing, clipFull});

@@ -34,6 +34,7 @@ enum class EnableRule : std::uint8_t {
     Never,           // no handler
     Free,            // always, also without a wave window
     Player,          // something plays, records or pauses
+    Pause,           // always; checked while paused or while a pause is pending
     NotDrawing,      // not D
     MaySave,         // the document may be saved
     HasSamples,      // n > 0
@@ -115,6 +116,9 @@ struct ActionContext {
     bool clipboardFull = false;
     bool playAndRecord = true;  // false for the run when the temporary folder is missing
     bool playerBusy = false;    // playing, recording or paused
+    bool playChecked = false;   // what the player does, as the buttons show it
+    bool pauseChecked = false;
+    bool recordChecked = false;
     // A job computes (on the document jobUnit): only what cannot conflict is enabled.
     bool jobRunning = false;
     const TUnitWave* jobUnit = nullptr;

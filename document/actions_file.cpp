@@ -80,7 +80,7 @@ constexpr std::array kFileRows{
     actionRow("FileProperties", "File", "Properties", "Ctrl+P", "Properties", "Change the properties of the wave", F::File, E::NotDrawing, "Wave Properties", &kProperties),
     actionRow("FilePlay", "File", "&Play", "P", "Play", "Play the wave", F::Front, E::Playable, {}, nullptr, DuringJob::OtherWindow),
     actionRow("FileStop", "File", "S&top", "S", "Stop", "Stops playing or recording", F::Front, E::Player, {}, nullptr, kAllowed),
-    actionRow("FilePause", "File", "Pause", "W", "Pause", "Pause Playing or Undone Pausing", F::Front, E::Player, {}, nullptr, kAllowed),
+    actionRow("FilePause", "File", "Pause", "W", "Pause", "Pause Playing or Undone Pausing", F::Front, E::Pause, {}, nullptr, kAllowed),
     actionRow("FileRecord", "File", "&Record", "Alt+R", "Record", "Starts recording", F::Front, E::Recordable),
     actionRow("FileExit", "File", "E&xit", "", "Exit", "Exit the Orvasto", F::Front, E::Free, {}, nullptr, kAllowed),
     actionRow("Undo", "", "&Undo", "Ctrl+Z", "Undo", "Undo last wave action", F::Document, E::Free),

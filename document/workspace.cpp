@@ -125,6 +125,7 @@ void Workspace::unitDestroyed(TUnitWave& unit) {
     if (active_ == &unit) active_ = nullptr;
     // A job for this unit computes on; its result finds no document to go to.
     if (running_ && running_->unit() == &unit) running_->cancel();
+    if (player_ && !closing_) player_->forget(unit);
 }
 
 bool Workspace::isOpen(const TUnitWave* unit) const {
@@ -157,6 +158,12 @@ ActionContext Workspace::actionContext() const {
     c.windowCount = int(documents_.size());
     c.clipboardFull = hasClipboard();
     c.playAndRecord = playAndRecord_;
+    if (player_) {
+        c.playerBusy = player_->busy();
+        c.playChecked = player_->playChecked();
+        c.pauseChecked = player_->pauseChecked();
+        c.recordChecked = player_->recordChecked();
+    }
     c.jobRunning = running_ != nullptr;
     c.jobUnit = running_ ? running_->unit() : nullptr;
     return c;

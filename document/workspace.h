@@ -33,6 +33,7 @@
 #include "core/sound.h"
 #include "document/actions.h"
 #include "document/job.h"
+#include "document/player_flow.h"
 #include "document/record_form.h"
 #include "document/register_check.h"
 #include "document/undo_unit.h"
@@ -137,6 +138,9 @@ public:
     ActionContext actionContext() const;
     void setWindowState(const WindowState& extra) { window_ = extra; }
     void setPlayAndRecord(bool on) { playAndRecord_ = on; }
+    // The player whose state the enabling rules show (the desktop program's), or nullptr.
+    // A document that closes is forgotten by it (a recording into it stops).
+    void setPlayer(PlayerFlow* player) { player_ = player; }
     ActionStatus status(std::string_view action) const;
 
     // Runs an action on the active document, computing on the calling thread. Parameter-
@@ -199,6 +203,7 @@ private:
     bool closing_ = false;
     std::string lastError_;  // the text of the last refusal shown
     OperationJob* running_ = nullptr;
+    PlayerFlow* player_ = nullptr;
     std::vector<TUnitWave*> lastMade_;
 };
 

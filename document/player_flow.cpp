@@ -1,0 +1,148 @@
+#include "document/player_flow.h"
+
+#include "core/platform.h"
+#include "document/workspace.h"
+#include "fileio/wav_file.h"
+
+namespace orv {
+
+PlayerFlow::PlayerFlow(MediaPlayer& player, Workspace& workspace, std::string folder)
+    : player_(player),
+      ws_(workspace),
+      playFile_(folder + "/" + std::string(kPlayFileName)),
+      recordFile_(folder + "/" + std::string(kRecordFileName)) {}
+
+bool PlayerFlow::busy() const {
+    const PlayerMode m = player_.mode();
+    return m == PlayerMode::Playing || m == PlayerMode::Recording || m == PlayerMode::Paused ||
+           playPending_ || recordPending_;
+}
+
+void PlayerFlow::start(bool recording) {
+    player_.setNotify(true);
+    player_.setWait(false);
+    if (recording)
+        player_.startRecording();
+    else
+        player_.play();
+}
+
+void PlayerFlow::play() {
+    player_.close();
+    TUnitWave* unit = ws_.active();
+    if (!unit || unit->values() == 0) return;
+    // The selection, or the whole wave without one.
+    if (!unit->saveSelection(playFile_, true)) return;
+    player_.setFileName(playFile_);
+    if (!player_.open()) return;
+    if (!pausePending_) {
+        start(false);
+        // Sound that starts while Pause shows checked ends a pause the player reports.
+        if (pauseChecked_) ignoreNextNotify_ = true;
+    } else {
+        playPending_ = true;
+    }
+    playChecked_ = true;
+}
+
+void PlayerFlow::record() {
+    if (player_.mode() == PlayerMode::Recording) {
+        stop();
+        return;
+    }
+    player_.close();
+    TUnitWave* unit = ws_.active();
+    if (!unit || unit->values() != 0) return;  // recording goes into an empty wave only
+    // An empty file in the document's format, for the player to fill.
+    if (!unit->save(recordFile_, true)) return;
+    RecordUnitWave = unit;
+    player_.setFileName(recordFile_);
+    if (!player_.open()) return;
+    if (!pausePending_)
+        start(true);
+    else
+        recordPending_ = true;
+    recordChecked_ = true;
+}
+
+void PlayerFlow::stop() {
+    const PlayerMode mode = player_.mode();
+    playPending_ = recordPending_ = false;
+    pausePending_ = pauseChecked_;
+    if (mode != PlayerMode::Recording) {
+        player_.close();
+        playChecked_ = false;
+        recordChecked_ = false;
+        return;
+    }
+    ORV_ASSERT_TEXT(RecordUnitWave != nullptr, "RecordUnitWave != NULL", "Main");
+    TUnitWave& unit = *RecordUnitWave;
+    RecordUnitWave = nullptr;
+    recordChecked_ = false;
+    player_.stop();
+    player_.setWait(true);
+    player_.save();
+    player_.close();
+    SoundPtr sound;
+    int bytes = 2;
+    const char* message = "";
+    if (!readWaveFile(recordFile_, sound, bytes, message)) {
+        showMessage(kFileErrorCaption,
+                    std::string(kCannotReadFile) + "\"" + recordFile_ + "\", " + message,
+                    MessageIcon::Information);
+        return;
+    }
+    ORV_ASSERT_TEXT(bytes == unit.getBytesPSample(), "bytesPSample2 == bytesPSample1", "Main");
+    const std::int32_t n = sound->GetValues();
+    ws_.makeUndo(unit);
+    unit.takeResult(std::move(sound), 0, n);
+    unit.setChanged();
+    if (WaveView* view = unit.getView()) view->refreshStatus(unit);
+}
+
+void PlayerFlow::pause() {
+    if (playPending_ || recordPending_) {
+        start(recordPending_);
+        pauseChecked_ = false;
+        pausePending_ = playPending_ = recordPending_ = false;
+        return;
+    }
+    const PlayerMode mode = player_.mode();
+    if (mode == PlayerMode::Playing || mode == PlayerMode::Recording ||
+        mode == PlayerMode::Paused) {
+        if (pauseChecked_) {
+            start(false);
+        } else {
+            player_.pause();
+            ignoreNextNotify_ = true;
+        }
+        pauseChecked_ = player_.mode() == PlayerMode::Paused;
+        return;
+    }
+    pausePending_ = !pausePending_;
+    pauseChecked_ = pausePending_;
+}
+
+void PlayerFlow::notify() {
+    if (ignoreNextNotify_) {
+        ignoreNextNotify_ = false;
+        return;
+    }
+    const PlayerMode mode = player_.mode();
+    if (mode == PlayerMode::Stopped || mode == PlayerMode::Playing) {
+        player_.close();
+        playChecked_ = false;
+        pausePending_ = false;
+    }
+}
+
+void PlayerFlow::forget(const TUnitWave& unit) {
+    if (RecordUnitWave != &unit) return;
+    RecordUnitWave = nullptr;
+    player_.stop();
+    player_.close();
+    recordChecked_ = false;
+    recordPending_ = false;
+}
+
+}  // namespace orv

@@ -1,5 +1,6 @@
 #include "document/record_form.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "units/value_writer.h"
@@ -234,8 +235,11 @@ std::optional<FormError> setByCaption(const FormSpec& spec, FormState& state,
                     return std::nullopt;
                 }
             // "Echo Volume=50%": a value for the option's one typed field, which the option
-            // then follows.
-            if (d.kind == FieldKind::Option) {
+            // then follows. Every typed value has a digit; a word is a choice mistyped.
+            const bool hasDigit = std::any_of(value.begin(), value.end(), [](char c) {
+                return std::isdigit(static_cast<unsigned char>(c)) != 0;
+            });
+            if (d.kind == FieldKind::Option && hasDigit) {
                 const int typed = onlyTypedFieldOf(spec, field);
                 if (typed != kNoField) {
                     typeInto(spec, state, typed, value);

@@ -81,9 +81,12 @@ TEST(FormChecks, MessagesWordForWord) {
         {check(TwoPositions{}, {{"First", "1 s"}, {"Second", "1 s"}}), "(accepted)"},
         {check(VolumeRecord{}, {{"Colour", "red"}}),
          "Usage Error / There is no field \"Colour\" in \"Change Volume\"."},
-        // Not a choice: the value of the option's one typed field, read as such.
+        // A word is a choice mistyped; a value with a digit goes to the one typed field.
         {check(VolumeRecord{}, {{"Volume Factor", "Loud"}}),
-         "Input Error / In Volume Factor: Input has no value."},
+         "Usage Error / In Volume Factor: Choose one of: Constant, Envelope."},
+        {check(VolumeRecord{}, {{"Volume Factor", "-6 dB"}}), "(accepted)"},
+        {check(VolumeRecord{}, {{"Volume Factor", "6 apples"}}),
+         "Input Error / In Volume Factor: This unit does not exist, use: '%', 'dB' or no unit."},
         // Two typed fields behind the option: no guessing which one was meant.
         {check(RotateRecord{}, {{"Rotate by", "3"}}),
          "Usage Error / In Rotate by: Choose one of: Factor, Time."},

@@ -1,0 +1,148 @@
+// TMainForm: the program's one main window. It holds the workspace (the open documents, the
+// undo slot, the clipboard, the registered names), shows one child window per document in
+// an MDI area, and turns every row of the action table into a QAction with its caption,
+// shortcut and hints, in the menus and the named tool bars. Which actions are enabled and
+// checked comes from the document layer's rule, recomputed whenever the state changes and
+// on idle; the status bar shows the active document.
+//
+// Commands run through the CommandRunner; a dialog-driven command first shows its dialog
+// (dialogs/) filled from the document's remembered record.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
+#include <QStringList>
+
+#include "app/command_runner.h"
+#include "app/help_window.h"
+#include "app/recent_files.h"
+#include "document/workspace.h"
+
+class QAction;
+class QLabel;
+class QLineEdit;
+class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class QTimer;
+class QToolBar;
+
+namespace orv {
+
+class TMDIChildWave;
+class NameEditFilter;
+
+class TMainForm final : public QMainWindow {
+    Q_OBJECT
+public:
+    // The questions the frame asks; the defaults show Qt's file dialogs and message boxes,
+    // tests answer them instead.
+    struct Prompts {
+        std::function<QStringList()> openFiles;                 // WAV files to open
+        std::function<QString(const QString& current)> saveFile;  // a WAV file to save as
+        std::function<QString()> importFile;
+        std::function<QString(const QString& current)> exportFile;
+        // Yes, No or Cancel.
+        std::function<QMessageBox::StandardButton(const QString& caption, const QString& text)>
+            question;
+    };
+
+    static constexpr std::array<int, 8> kPanelWidths{300, 160, 75, 70, 20, 24, 65, 60};
+    static constexpr const char* kTitle = "Orvasto ";
+
+    explicit TMainForm(QWidget* parent = nullptr);
+    ~TMainForm() override;
+
+    Workspace& workspace() { return workspace_; }
+    CommandRunner& runner() { return *runner_; }
+    Prompts& prompts() { return prompts_; }
+
+    // The QAction of a row of the action table (named after it), or nullptr.
+    QAction* action(std::string_view name) const;
+    QMdiArea* mdiArea() const { return mdi_; }
+    QLabel* panel(int index) const { return panels_[std::size_t(index)]; }
+    QLineEdit* editName() const { return editName_; }
+    bool nameEditing() const { return nameEditing_; }
+    QMenu* recentMenu() const { return recentMenu_; }
+    HelpWindow* helpWindow() const { return help_; }
+
+    // The window of a document, or nullptr.
+    TMDIChildWave* childOf(const TUnitWave* unit) const;
+
+    // Opens WAV files (command line, drop, recent files); each failure shows its message.
+    void openFiles(const QStringList& files);
+    // Enabling and checking of every action, the status bar, the title and the name field.
+    void updateActions();
+
+    // Help: the page of a help context, the contents, the search field, help on help.
+    void showHelp(int context);
+    void showHelpContents();
+    void showHelpSearch();
+    void showHelpOnHelp();
+    void showAbout();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void buildActions();
+    void buildMenus();
+    void buildToolBars();
+    void buildStatusBar();
+    void makeTempFolder();
+    void defaultPrompts();
+    void rebuildRecentMenu();
+
+    // What an action does (the handlers).
+    void execute(std::string_view name);
+    void run(std::string_view name, const CommandInput& input = {});
+    void afterCommand();
+    void fileNew();
+    void fileProperties();
+    bool saveUnit(TUnitWave& unit, bool askName);
+    void registerDialog();
+    void operationDialog(std::string_view name);
+    void multiFrequencyDialog();
+    void importFile();
+    void exportFile();
+    void connectHelp(QObject* dialog);
+
+    // Child windows follow the documents of the workspace.
+    void syncWindows();
+    void subWindowActivated(QMdiSubWindow* window);
+    bool closeGuard(TMDIChildWave& child);
+    void childClosed(TMDIChildWave* child);
+
+    // The name field.
+    void beginNameEdit();
+    void endNameEdit();
+    void takeName();
+
+    Workspace workspace_;
+    CommandRunner* runner_;
+    Prompts prompts_;
+    RecentFiles recent_;
+    QMdiArea* mdi_;
+    std::map<std::string, QAction*, std::less<>> actions_;
+    std::array<QLabel*, 8> panels_{};
+    QLineEdit* editName_ = nullptr;
+    bool nameEditing_ = false;
+    NameEditFilter* nameFilter_ = nullptr;
+    QMenu* recentMenu_ = nullptr;
+    QTimer* idle_ = nullptr;
+    QPointer<HelpWindow> help_;
+};
+
+}  // namespace orv

@@ -1,0 +1,342 @@
+// The command handlers of the frame: what each action does before it reaches the document
+// layer (a dialog, a file name, a question), and the file commands beyond the action table
+// (import, export, recent files).
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+
+#include "app/about_box.h"
+#include "app/help_window.h"
+#include "app/main_form.h"
+#include "dialogs/mfreq_dialog.h"
+#include "dialogs/record_dialog.h"
+#include "document/file_props_record.h"
+#include "document/register_check.h"
+#include "fileio/sound_export.h"
+#include "fileio/sound_import.h"
+#include "view/mdi_child_wave.h"
+
+namespace orv {
+
+namespace {
+
+QString qs(std::string_view s) { return QString::fromUtf8(s.data(), qsizetype(s.size())); }
+
+constexpr char kWaveFilter[] = "Wave files (*.wav *.WAV);;All files (*)";
+
+// A file chosen without an extension is a WAV file.
+QString withWavExtension(QString file) {
+    if (!file.isEmpty() && QFileInfo(file).suffix().isEmpty()) file += ".wav";
+    return file;
+}
+
+// An imported wave keeps its name with ".wav", so that Save never writes WAV data into a
+// FLAC or Ogg file.
+std::string wavNameFor(const QString& file) {
+    const QFileInfo info(file);
+    return QDir(info.absolutePath()).filePath(info.completeBaseName() + ".wav").toStdString();
+}
+
+}  // namespace
+
+void TMainForm::defaultPrompts() {
+    prompts_.openFiles = [this] {
+        return QFileDialog::getOpenFileNames(this, "Open", QString(), kWaveFilter);
+    };
+    prompts_.saveFile = [this](const QString& current) {
+        return withWavExtension(QFileDialog::getSaveFileName(this, "Save As", current, kWaveFilter));
+    };
+    prompts_.importFile = [this] {
+        QString filter = "Sound files (";
+        for (const ImportFormat& f : importFormats()) filter += " *." + QString::fromStdString(f.extension);
+        filter += ");;All files (*)";
+        return QFileDialog::getOpenFileName(this, "Import", QString(), filter);
+    };
+    prompts_.exportFile = [this](const QString& current) {
+        return QFileDialog::getSaveFileName(this, "Export", current,
+                                            "FLAC (*.flac);;Ogg Vorbis (*.ogg);;WAV (*.wav)");
+    };
+    prompts_.question = [this](const QString& caption, const QString& text) {
+        return QMessageBox::question(this, caption, text,
+                                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
+                                     QMessageBox::Yes);
+    };
+}
+
+// ---- running -------------------------------------------------------------------------------
+
+void TMainForm::run(std::string_view name, const CommandInput& input) {
+    runner_->run(name, input, [this](const ActionResult&) { afterCommand(); });
+}
+
+void TMainForm::afterCommand() {
+    syncWindows();
+    updateActions();
+}
+
+void TMainForm::execute(std::string_view name) {
+    const ActionDef* def = findAction(name);
+    if (!def || runner_->busy()) return;
+    // The shortcut of a disabled action does nothing, as its menu entry does.
+    if (!workspace_.status(name).enabled) return;
+    if (name == "FileNewWave") return fileNew();
+    if (name == "FileOpenWave") return openFiles(prompts_.openFiles());
+    if (name == "FileSave" || name == "FileSaveAs") {
+        if (TUnitWave* unit = workspace_.active()) saveUnit(*unit, name == "FileSaveAs");
+        return;
+    }
+    if (name == "FileProperties") return fileProperties();
+    if (name == "FileExit") {
+        close();
+        return;
+    }
+    if (name == "HelpAbout") return showAbout();
+    if (name == "Register") return registerDialog();
+    // Every other action with a dialog shows it first.
+    if (!def->form.empty() && workspace_.active()) return operationDialog(name);
+    switch (def->flow) {
+        case ActionFlow::Inert: return;
+        case ActionFlow::Front:
+            panel(0)->setText(qs(def->shortHint) + " is not available yet.");
+            return;
+        default: run(name); return;
+    }
+}
+
+void TMainForm::connectHelp(QObject* dialog) {
+    if (auto* d = qobject_cast<TRecordDialog*>(dialog))
+        connect(d, &TRecordDialog::helpRequested, this, &TMainForm::showHelp);
+    if (auto* d = qobject_cast<TDlgMFreqProps*>(dialog))
+        connect(d, &TDlgMFreqProps::helpRequested, this, &TMainForm::showHelp);
+}
+
+// ---- file commands ---------------------------------------------------------------------------
+
+void TMainForm::fileNew() {
+    const RecordTable<WaveFilePropsRecord>& table = WaveFilePropsRecord::table();
+    const WaveFilePropsRecord start(WaveFileProps{44100, 2, 2});
+    DialogSetup setup;
+    setup.spec = &table;
+    setup.initial = showRecord(table, start, &workspace_);
+    setup.names = &workspace_;
+    setup.accept = [&table, start](const FormState& state) {
+        WaveFilePropsRecord copy = start;
+        return acceptRecord(table, state, copy, FormContext{});
+    };
+    TRecordDialog dialog(setup, this);
+    connectHelp(&dialog);
+    if (dialog.exec() != QDialog::Accepted) return;
+    CommandInput input;
+    input.form = AcceptedForm{&table, dialog.state()};
+    run("FileNewWave", input);
+}
+
+void TMainForm::fileProperties() {
+    TUnitWave* unit = workspace_.active();
+    if (!unit) return;
+    const RecordTable<WaveFilePropsRecord>& table = WaveFilePropsRecord::table();
+    const WaveFilePropsRecord start(
+        WaveFileProps{unit->getFreq(), unit->getMonoStereo(), unit->getBytesPSample()});
+    DialogSetup setup;
+    setup.spec = &table;
+    setup.initial = showRecord(table, start, &workspace_);
+    setup.names = &workspace_;
+    setup.accept = [&table, start](const FormState& state) {
+        WaveFilePropsRecord copy = start;
+        return acceptRecord(table, state, copy, FormContext{});
+    };
+    TRecordDialog dialog(setup, this);
+    connectHelp(&dialog);
+    if (dialog.exec() != QDialog::Accepted) return;
+    CommandInput input;
+    input.form = AcceptedForm{&table, dialog.state()};
+    run("FileProperties", input);
+}
+
+bool TMainForm::saveUnit(TUnitWave& unit, bool askName) {
+    workspace_.setActive(&unit);
+    CommandInput input;
+    if (askName || unit.isNew()) {
+        const QString current = unit.isNew() ? QString() : QString::fromStdString(unit.getFileName());
+        input.file = prompts_.saveFile(current).toStdString();
+        if (input.file.empty()) return false;
+    }
+    bool saved = false;
+    runner_->run(askName ? "FileSaveAs" : "FileSave", input, [&](const ActionResult& r) {
+        saved = r.kind == ActionResult::Kind::Done;
+        afterCommand();
+    });
+    if (saved) {
+        recent_.add(QString::fromStdString(unit.getFileName()));
+        rebuildRecentMenu();
+    }
+    return saved;
+}
+
+void TMainForm::openFiles(const QStringList& files) {
+    for (const QString& file : files) {
+        if (file.isEmpty()) continue;
+        CommandInput input;
+        input.file = file.toStdString();
+        runner_->run("FileOpenWave", input, [&](const ActionResult& r) {
+            if (r.kind == ActionResult::Kind::Done)
+                recent_.add(file);
+            else
+                recent_.remove(QFileInfo(file).absoluteFilePath());
+        });
+    }
+    rebuildRecentMenu();
+    afterCommand();
+}
+
+void TMainForm::rebuildRecentMenu() {
+    if (!recentMenu_) return;
+    recentMenu_->clear();
+    const QStringList files = recent_.files();
+    int n = 0;
+    for (const QString& file : files) {
+        QAction* a = recentMenu_->addAction(QString("&%1 %2").arg(++n).arg(file));
+        a->setStatusTip("Open " + file);
+        connect(a, &QAction::triggered, this, [this, file] { openFiles({file}); });
+    }
+    recentMenu_->setEnabled(!files.isEmpty());
+}
+
+void TMainForm::importFile() {
+    const QString file = prompts_.importFile();
+    if (file.isEmpty()) return;
+    SoundPtr sound;
+    std::string reason;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool ok = importSoundFile(file.toStdString(), sound, reason);
+    QApplication::restoreOverrideCursor();
+    if (!ok) {
+        showMessage(kFileErrorCaption, importFailureText(file.toStdString(), reason));
+        return;
+    }
+    // Kept with 16-bit samples, and not yet what any file holds.
+    TUnitWave& unit =
+        workspace_.add(std::make_unique<TUnitWave>(std::move(sound), 2, wavNameFor(file)));
+    unit.setChanged();
+    afterCommand();
+}
+
+void TMainForm::exportFile() {
+    TUnitWave* unit = workspace_.active();
+    if (!unit || unit->values() == 0) return;
+    const QFileInfo current(QString::fromStdString(unit->getFileName()));
+    const QString file = prompts_.exportFile(current.completeBaseName() + ".flac");
+    if (file.isEmpty()) return;
+    std::string reason;
+    unit->clearCancel();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool ok =
+        exportSoundFile(file.toStdString(), "", unit->getSound(), reason, &unit->cancelFlag());
+    QApplication::restoreOverrideCursor();
+    if (!ok) showMessage(kFileErrorCaption, exportFailureText(file.toStdString(), reason));
+}
+
+// ---- dialogs ----------------------------------------------------------------------------------
+
+void TMainForm::registerDialog() {
+    TUnitWave* unit = workspace_.active();
+    if (!unit) return;
+    const RecordTable<RegisterRecord>& table = RegisterRecord::table();
+    const RegisterRecord start(unit->getName());
+    const std::string own = unit->getName();
+    DialogSetup setup;
+    setup.spec = &table;
+    setup.initial = showRecord(table, start, &workspace_);
+    setup.names = &workspace_;
+    setup.accept = [this, &table, start, own](const FormState& state) {
+        RegisterRecord copy = start;
+        std::optional<FormError> e = acceptRecord(table, state, copy, FormContext{&workspace_, 0});
+        if (!e) e = checkRegisterName(copy.name, own, workspace_);
+        return e;
+    };
+    TRecordDialog dialog(setup, this);
+    connectHelp(&dialog);
+    if (dialog.exec() != QDialog::Accepted) return;
+    CommandInput input;
+    input.form = AcceptedForm{&table, dialog.state()};
+    run("Register", input);
+}
+
+void TMainForm::operationDialog(std::string_view name) {
+    TUnitWave* unit = workspace_.active();
+    if (!unit) return;
+    if (name == "MakeMFreq") return multiFrequencyDialog();
+    std::unique_ptr<FormView> form = workspace_.actionForm(name);
+    if (!form) {
+        // No record to ask for: the command runs as it is.
+        if (findAction(name)->flow != ActionFlow::Front) run(name);
+        return;
+    }
+    const ActionDef* def = findAction(name);
+    const FormContext context{&workspace_, unit->lengthSeconds()};
+    DialogSetup setup;
+    setup.spec = &form->spec();
+    setup.initial = form->show(&workspace_);
+    setup.names = &workspace_;
+    setup.caption = def->form;
+    // OK reads the fields into the document's record and puts the record back: the
+    // command itself takes what was accepted.
+    setup.accept = [&](const FormState& state) {
+        const UnitRecords kept = unit->records();
+        std::optional<FormError> e = form->accept(state, context);
+        unit->setRecords(kept);
+        return e;
+    };
+    TRecordDialog dialog(setup, this);
+    connectHelp(&dialog);
+    if (dialog.exec() != QDialog::Accepted) return;
+    CommandInput input;
+    input.form = AcceptedForm{&form->spec(), dialog.state()};
+    run(name, input);
+}
+
+void TMainForm::multiFrequencyDialog() {
+    TUnitWave* unit = workspace_.active();
+    TDlgMFreqProps dialog(unit->records().mfreq, FormContext{&workspace_, unit->lengthSeconds()},
+                          this);
+    connectHelp(&dialog);
+    if (dialog.exec() != QDialog::Accepted) return;
+    CommandInput input;
+    input.form = AcceptedForm{&MFreqRecord::table(), dialog.state()};
+    input.frequencies = dialog.record().frequencies.records();
+    run("MakeMFreq", input);
+}
+
+// ---- help and about ------------------------------------------------------------------------------
+
+void TMainForm::showHelp(int context) {
+    if (!help_) help_ = new HelpWindow(nullptr);
+    help_->showContext(context);
+}
+
+void TMainForm::showHelpContents() {
+    if (!help_) help_ = new HelpWindow(nullptr);
+    help_->showContents();
+}
+
+void TMainForm::showHelpSearch() {
+    if (!help_) help_ = new HelpWindow(nullptr);
+    help_->showSearch();
+}
+
+void TMainForm::showHelpOnHelp() {
+    if (!help_) help_ = new HelpWindow(nullptr);
+    help_->showHelpOnHelp();
+}
+
+void TMainForm::showAbout() {
+    AboutBox box(this);
+    box.exec();
+}
+
+}  // namespace orv

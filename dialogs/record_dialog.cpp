@@ -1,0 +1,84 @@
+#include "dialogs/record_dialog.h"
+
+#include <QBoxLayout>
+#include <QPushButton>
+
+namespace orv {
+
+namespace {
+QString qs(std::string_view s) { return QString::fromUtf8(s.data(), qsizetype(s.size())); }
+}  // namespace
+
+int failedField(const FormSpec& spec, const FormState& state, const FormError& error) {
+    if (error.field.empty()) return kNoField;
+    int option = kNoField;
+    for (std::size_t i = 0; i < spec.fields.size(); ++i) {
+        const FieldDef& d = spec.fields[i];
+        if (!captionMatches(d.messageName(), error.field) || !fieldCounts(spec, state, int(i)))
+            continue;
+        if (d.kind != FieldKind::Option && d.kind != FieldKind::Flag) return int(i);
+        if (option == kNoField) option = int(i);
+    }
+    return option;
+}
+
+DialogButtons arrangeDialog(QDialog& dialog, QWidget* content, ButtonLayout layout) {
+    const bool right = layout == ButtonLayout::OKRight || layout == ButtonLayout::OKHelpRight;
+    const bool help = layout == ButtonLayout::OKHelpRight || layout == ButtonLayout::OKHelpBottom;
+    auto* outer = new QBoxLayout(right ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom,
+                                 &dialog);
+    outer->addWidget(content, 1);
+    auto* buttons = new QBoxLayout(right ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    DialogButtons b;
+    b.ok = new QPushButton("OK", &dialog);
+    b.ok->setObjectName("OKBtn");
+    b.ok->setDefault(true);
+    b.cancel = new QPushButton("Cancel", &dialog);
+    b.cancel->setObjectName("CancelBtn");
+    if (!right) buttons->addStretch(1);
+    buttons->addWidget(b.ok);
+    buttons->addWidget(b.cancel);
+    if (help) {
+        b.help = new QPushButton("&Help", &dialog);
+        b.help->setObjectName("HelpBtn");
+        b.help->setAutoDefault(false);
+        buttons->addWidget(b.help);
+    }
+    if (right) buttons->addStretch(1);
+    outer->addLayout(buttons);
+    QObject::connect(b.ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+    QObject::connect(b.cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+    return b;
+}
+
+TRecordDialog::TRecordDialog(DialogSetup setup, QWidget* parent)
+    : QDialog(parent),
+      setup_(std::move(setup)),
+      layout_(dialogLayoutFor(setup_.caption.empty() ? setup_.spec->caption : setup_.caption)) {
+    ORV_ASSERT(setup_.spec != nullptr, "dialogs");
+    setObjectName(layout_.className.empty() ? QString("TRecordDialog") : qs(layout_.className));
+    setWindowTitle(qs(setup_.caption.empty() ? setup_.spec->caption : setup_.caption));
+    panel_ = new FormPanel(*setup_.spec, setup_.names,
+                           PanelHints{layout_.columnBreaks, layout_.optionsAsList}, this);
+    panel_->setState(setup_.initial);
+    buttons_ = arrangeDialog(*this, panel_, layout_.buttons);
+    if (buttons_.help)
+        connect(buttons_.help, &QPushButton::clicked, this,
+                [this] { emit helpRequested(helpContext()); });
+}
+
+const FormState& TRecordDialog::state() const { return panel_->state(); }
+
+void TRecordDialog::accept() {
+    if (setup_.accept) {
+        if (std::optional<FormError> error = setup_.accept(panel_->state())) {
+            error->show();
+            const int field = failedField(*setup_.spec, panel_->state(), *error);
+            if (field != kNoField) panel_->focusField(field);
+            return;
+        }
+    }
+    QDialog::accept();
+}
+
+}  // namespace orv

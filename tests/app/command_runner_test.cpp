@@ -1,0 +1,124 @@
+// The command runner: an accepted form reaches the workspace as the fields that count, with
+// the text as typed; the busy state brackets every command; the Multi Frequency list goes
+// along with its form.
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "app/command_runner.h"
+#include "document/file_props_record.h"
+#include "support/recording_platform.h"
+
+using namespace orv;
+
+class CommandRunnerTest : public QObject {
+    Q_OBJECT
+private slots:
+    void onlyFieldsThatCountInRecordOrder();
+    void acceptedFormRunsAsTheDialogRead();
+    void busyBracketsTheCommandAndDoneGetsTheResult();
+    void multiFrequencyListGoesAlong();
+};
+
+void CommandRunnerTest::onlyFieldsThatCountInRecordOrder() {
+    const FormSpec& volume = VolumeRecord::table();
+    FormState state = showRecord(VolumeRecord::table(), VolumeRecord(), nullptr);
+    typeInto(volume, state, 2, "1/3");
+    QCOMPARE(typedFieldsOf(volume, state),
+             TypedFields({{"Volume Factor", "Constant"}, {"Constant", "1/3"}}));
+    state.fields[1].text = "env";
+    chooseEntry(volume, state, 0, kEnvelope);
+    QCOMPARE(typedFieldsOf(volume, state),
+             TypedFields({{"Volume Factor", "Envelope"}, {"Envelope", "env"}}));
+
+    // A preset is left out (its values are in the fields), so is a list without a choice.
+    const FormSpec& leftRight = LeftRightRecord::table();
+    FormState lr = showRecord(LeftRightRecord::table(), LeftRightRecord(), nullptr);
+    chooseEntry(leftRight, lr, 4, 1);  // Swapped
+    QCOMPARE(typedFieldsOf(leftRight, lr),
+             TypedFields({{"from Left to Left", "0"}, {"from Left to Right", "1"},
+                          {"from Right to Left", "1"}, {"from Right to Right", "0"}}));
+    const FormSpec& props = WaveFilePropsRecord::table();
+    FormState odd = showRecord(WaveFilePropsRecord::table(), WaveFilePropsRecord(WaveFileProps{48000, 1, 2}), nullptr);
+    QCOMPARE(typedFieldsOf(props, odd),
+             TypedFields({{"Wave Values", "16 Bits"}, {"Mono/Stereo", "Mono"}}));
+}
+
+void CommandRunnerTest::acceptedFormRunsAsTheDialogRead() {
+    test::RecordingPlatformScope messages;
+    Workspace ws;
+    CommandRunner runner(ws);
+    ws.newWave(WaveFileProps{8000, 1, 2});
+    ws.runAction("MakeLine", {{"Begin Value", "300 $"}, {"End Value", "300 $"}, {"Length", "1 ms"}});
+    // A third, as typed: the record gets exactly 1/3, not a decimal written back and read.
+    FormState state = showRecord(VolumeRecord::table(), ws.active()->records().volume, &ws);
+    typeInto(VolumeRecord::table(), state, 2, "1/3");
+    CommandInput input;
+    input.form = AcceptedForm{&VolumeRecord::table(), state};
+    runner.run("Volume", input);
+    QCOMPARE(ws.active()->records().volume.factor.value, 1.0 / 3);
+    QCOMPARE(int((*ws.active()->getSound()->GetLeftWave())[3]), 100);
+    QVERIFY(messages.recorder.messages.empty());
+
+    // Wave Properties: a new stereo 8-bit wave at 11025 Hz.
+    const FormSpec& props = WaveFilePropsRecord::table();
+    FormState p = showRecord(WaveFilePropsRecord::table(), WaveFilePropsRecord(WaveFileProps{44100, 2, 2}), &ws);
+    chooseEntry(props, p, 0, 1);
+    chooseEntry(props, p, 1, WaveFilePropsRecord::k8Bits);
+    input.form = AcceptedForm{&props, p};
+    runner.run("FileNewWave", input);
+    QCOMPARE(ws.documents().size(), std::size_t(2));
+    QCOMPARE(ws.active()->getFreq(), 11025);
+    QCOMPARE(int(ws.active()->getBytesPSample()), 1);
+    QCOMPARE(int(ws.active()->getMonoStereo()), 2);
+}
+
+void CommandRunnerTest::busyBracketsTheCommandAndDoneGetsTheResult() {
+    test::RecordingPlatformScope messages;
+    Workspace ws;
+    CommandRunner runner(ws);
+    QSignalSpy busy(&runner, &CommandRunner::busyChanged);
+    QSignalSpy finished(&runner, &CommandRunner::finished);
+    bool busyInside = false;
+    ActionResult got;
+    connect(&runner, &CommandRunner::busyChanged, [&](bool b) { if (b) busyInside = runner.busy(); });
+    CommandInput input;
+    input.file = "/nonexistent/folder/x.wav";
+    runner.run("FileOpenWave", input, [&](const ActionResult& r) { got = r; });
+    QVERIFY(busyInside);
+    QVERIFY(!runner.busy());
+    QCOMPARE(busy.count(), 2);
+    QCOMPARE(busy[0][0].toBool(), true);
+    QCOMPARE(busy[1][0].toBool(), false);
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(finished[0][0].toString(), QString("FileOpenWave"));
+    QCOMPARE(int(got.kind), int(ActionResult::Kind::Refused));
+    QCOMPARE(messages.recorder.messages.size(), std::size_t(1));
+    QCOMPARE(QString::fromStdString(got.text), QString::fromStdString(messages.recorder.messages[0].text));
+}
+
+void CommandRunnerTest::multiFrequencyListGoesAlong() {
+    test::RecordingPlatformScope messages;
+    Workspace ws;
+    CommandRunner runner(ws);
+    ws.newWave(WaveFileProps{1000, 1, 2});
+    // Two equal partials of 250 Hz at half volume, never fading: 0.5 + 0.5 of the sine.
+    FrequencyRecord f;
+    applyTypedFields(f, {{"Frequency", "250 Hz"}, {"Volume Factor", "1"}}, FormContext{});
+    FormState state = showRecord(MFreqRecord::table(), ws.active()->records().mfreq, &ws);
+    typeInto(MFreqRecord::table(), state, 0, "8 ms");
+    CommandInput input;
+    input.form = AcceptedForm{&MFreqRecord::table(), state};
+    input.frequencies = std::vector<FrequencyRecord>{f, f};
+    runner.run("MakeMFreq", input);
+    QVERIFY(messages.recorder.messages.empty());
+    QCOMPARE(ws.active()->values(), 9);  // a generator makes trunc(1000 x 0.008 + 1)
+    QCOMPARE(ws.active()->records().mfreq.frequencies.count(), 2);
+    const Wave& w = *ws.active()->getSound()->GetLeftWave();
+    // A quarter period per sample: 0, top, 0, bottom, ...
+    QCOMPARE(int(w[0]), 0);
+    QVERIFY(int(w[1]) > 30000);
+    QCOMPARE(int(w[1]), -int(w[3]));
+}
+
+QTEST_MAIN(CommandRunnerTest)
+#include "command_runner_test.moc"

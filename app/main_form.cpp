@@ -94,7 +94,7 @@ TMainForm::TMainForm(QWidget* parent) : QMainWindow(parent) {
     setWindowTitle(kTitle);
     setWindowIcon(programIcon());
     setAcceptDrops(true);
-    runner_ = new CommandRunner(workspace_, this);
+    runner_ = new CommandRunner(workspace_, this, this);
     connect(runner_, &CommandRunner::busyChanged, this, [this] { updateActions(); });
 
     mdi_ = new QMdiArea(this);
@@ -179,6 +179,7 @@ void TMainForm::buildMenus() {
             menu->addSeparator();
             QAction* import = menu->addAction("&Import...", this, &TMainForm::importFile);
             import->setObjectName("FileImport");
+            actions_.emplace("FileImport", import);
             import->setStatusTip("Read a sound file of another kind (FLAC, Ogg, AIFF, 24-bit WAV ...)");
             QAction* exportAction = menu->addAction("E&xport...", this, &TMainForm::exportFile);
             exportAction->setObjectName("FileExport");
@@ -263,17 +264,18 @@ void TMainForm::updateActions() {
     WindowState window;  // the placeholder window shows the waveform, unzoomed, no drawing
     workspace_.setWindowState(window);
     const ActionContext context = workspace_.actionContext();
-    const bool busy = runner_->busy();
+    // While a job computes the rules themselves leave only what cannot conflict with it.
     for (const ActionDef& def : actionTable()) {
         QAction* a = action(def.name);
-        const ActionStatus st = actionStatus(def.name, context);
-        // One command at a time: while one runs, nothing else starts.
-        a->setEnabled(st.enabled && !busy);
+        const ActionStatus st = actionStatus(def, context);
+        a->setEnabled(st.enabled);
         if (st.checked) a->setCheckable(true);
         if (a->isCheckable()) a->setChecked(st.checked);
     }
+    const bool jobOut = context.jobRunning;
     if (QAction* exportAction = action("FileExport"))
-        exportAction->setEnabled(!busy && workspace_.active() && workspace_.active()->values() > 0);
+        exportAction->setEnabled(!jobOut && workspace_.active() && workspace_.active()->values() > 0);
+    if (QAction* importAction = action("FileImport")) importAction->setEnabled(!jobOut);
 
     TUnitWave* unit = workspace_.active();
     if (unit) {

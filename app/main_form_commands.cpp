@@ -81,7 +81,7 @@ void TMainForm::afterCommand() {
 
 void TMainForm::execute(std::string_view name) {
     const ActionDef* def = findAction(name);
-    if (!def || runner_->busy()) return;
+    if (!def) return;
     // The shortcut of a disabled action does nothing, as its menu entry does.
     if (!workspace_.status(name).enabled) return;
     if (name == "FileNewWave") return fileNew();
@@ -278,20 +278,14 @@ void TMainForm::operationDialog(std::string_view name) {
         return;
     }
     const ActionDef* def = findAction(name);
-    const FormContext context{&workspace_, unit->lengthSeconds()};
     DialogSetup setup;
     setup.spec = &form->spec();
     setup.initial = form->show(&workspace_);
     setup.names = &workspace_;
     setup.caption = def->form;
-    // OK reads the fields into the document's record and puts the record back: the
-    // command itself takes what was accepted.
-    setup.accept = [&](const FormState& state) {
-        const UnitRecords kept = unit->records();
-        std::optional<FormError> e = form->accept(state, context);
-        unit->setRecords(kept);
-        return e;
-    };
+    // OK checks the fields on a copy of the record; the command itself reads what was
+    // accepted.
+    setup.accept = [&](const FormState& state) { return workspace_.checkForm(name, state); };
     TRecordDialog dialog(setup, this);
     connectHelp(&dialog);
     if (dialog.exec() != QDialog::Accepted) return;

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QThread>
 #include <QWidget>
 
 namespace orv {
@@ -22,6 +23,14 @@ QWidget* messageParent() {
 void QtPlatform::showMessage(std::string_view caption, std::string_view text, MessageIcon icon) {
     if (!qApp) {
         Platform::showMessage(caption, text, icon);
+        return;
+    }
+    // A job on a worker thread may report (running out of memory): the box belongs to the
+    // user-interface thread, which shows it while the worker waits.
+    if (QThread::currentThread() != qApp->thread()) {
+        const std::string c(caption), t(text);
+        QMetaObject::invokeMethod(
+            qApp, [this, c, t, icon] { showMessage(c, t, icon); }, Qt::BlockingQueuedConnection);
         return;
     }
     QMessageBox box(icon == MessageIcon::Stop ? QMessageBox::Critical : QMessageBox::Information,

@@ -10,6 +10,8 @@ QString qs(std::string_view s) { return QString::fromUtf8(s.data(), qsizetype(s.
 }  // namespace
 
 int failedField(const FormSpec& spec, const FormState& state, const FormError& error) {
+    // The form says which field failed; an error made elsewhere is found by its name.
+    if (error.fieldIndex != kNoField) return error.fieldIndex;
     if (error.field.empty()) return kNoField;
     int option = kNoField;
     for (std::size_t i = 0; i < spec.fields.size(); ++i) {

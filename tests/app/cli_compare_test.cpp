@@ -33,6 +33,7 @@ void CliCompareTest::sameOperationsSameFile() {
 
     RecordingPlatformScope messages;
     TMainForm frame;
+    frame.runner().setInline(true);
     frame.prompts().saveFile = [&](const QString&) { return guiFile; };
     frame.show();
     QVERIFY(QTest::qWaitForWindowExposed(&frame));

@@ -1,11 +1,17 @@
 // The command runner: an accepted form reaches the workspace as the fields that count, with
 // the text as typed; the busy state brackets every command; the Multi Frequency list goes
-// along with its form.
+// along with its form; a job computes on a worker thread with progress and Cancel.
+#include <atomic>
+#include <thread>
+
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include "app/command_runner.h"
 #include "document/file_props_record.h"
+#include "support/document_test_helpers.h"
 #include "support/recording_platform.h"
 
 using namespace orv;
@@ -17,6 +23,8 @@ private slots:
     void acceptedFormRunsAsTheDialogRead();
     void busyBracketsTheCommandAndDoneGetsTheResult();
     void multiFrequencyListGoesAlong();
+    void aJobComputesOnAWorkerWhileTheWindowStaysLive();
+    void cancelInTheProgressDialogChangesNothing();
 };
 
 void CommandRunnerTest::onlyFieldsThatCountInRecordOrder() {
@@ -47,6 +55,7 @@ void CommandRunnerTest::acceptedFormRunsAsTheDialogRead() {
     test::RecordingPlatformScope messages;
     Workspace ws;
     CommandRunner runner(ws);
+    runner.setInline(true);
     ws.newWave(WaveFileProps{8000, 1, 2});
     ws.runAction("MakeLine", {{"Begin Value", "300 $"}, {"End Value", "300 $"}, {"Length", "1 ms"}});
     // A third, as typed: the record gets exactly 1/3, not a decimal written back and read.
@@ -76,6 +85,7 @@ void CommandRunnerTest::busyBracketsTheCommandAndDoneGetsTheResult() {
     test::RecordingPlatformScope messages;
     Workspace ws;
     CommandRunner runner(ws);
+    runner.setInline(true);
     QSignalSpy busy(&runner, &CommandRunner::busyChanged);
     QSignalSpy finished(&runner, &CommandRunner::finished);
     bool busyInside = false;
@@ -100,6 +110,7 @@ void CommandRunnerTest::multiFrequencyListGoesAlong() {
     test::RecordingPlatformScope messages;
     Workspace ws;
     CommandRunner runner(ws);
+    runner.setInline(true);
     ws.newWave(WaveFileProps{1000, 1, 2});
     // Two equal partials of 250 Hz at half volume, never fading: 0.5 + 0.5 of the sine.
     FrequencyRecord f;
@@ -118,6 +129,84 @@ void CommandRunnerTest::multiFrequencyListGoesAlong() {
     QCOMPARE(int(w[0]), 0);
     QVERIFY(int(w[1]) > 30000);
     QCOMPARE(int(w[1]), -int(w[3]));
+}
+
+// Holds a job's worker inside its second chunk until the test lets it go.
+struct Gate {
+    static inline std::atomic<int> stage{0};  // 1: the worker waits; 2: go on
+    static void hook(void*, std::int32_t pos, std::int32_t) {
+        if (pos < 1000 || stage != 0) return;
+        stage = 1;
+        while (stage != 2) std::this_thread::yield();
+    }
+    Gate() {
+        stage = 0;
+        setChunkHook(&Gate::hook, nullptr);
+    }
+    ~Gate() {
+        stage = 2;
+        setChunkHook(nullptr, nullptr);
+    }
+};
+
+// A job computes on a worker: run() returns at once, the event loop goes on (a heartbeat
+// keeps beating), only what cannot conflict is offered, and the result arrives afterwards.
+void CommandRunnerTest::aJobComputesOnAWorkerWhileTheWindowStaysLive() {
+    test::RecordingPlatformScope messages;
+    Workspace ws;
+    CommandRunner runner(ws);
+    TUnitWave& u = ws.add(std::make_unique<TUnitWave>(test::mono(test::rampOf(20000)), 2, "a.wav"));
+    Gate gate;
+    int beats = 0;
+    QTimer heartbeat;
+    connect(&heartbeat, &QTimer::timeout, [&] { ++beats; });
+    heartbeat.start(10);
+    ActionResult got{ActionResult::Kind::Unknown, "", ""};
+    runner.run("Reverse", {}, [&](const ActionResult& r) { got = r; });
+    QVERIFY(runner.busy());
+    QTRY_COMPARE(Gate::stage.load(), 1);
+    QTRY_VERIFY(beats >= 5);  // the user-interface thread is free while the job waits
+    QVERIFY(!ws.status("Volume").enabled);
+    QVERIFY(ws.status("FileNewWave").enabled);
+    QCOMPARE(int(got.kind), int(ActionResult::Kind::Unknown));  // not yet
+    Gate::stage = 2;
+    QTRY_VERIFY(!runner.busy());
+    QCOMPARE(int(got.kind), int(ActionResult::Kind::Done));
+    QCOMPARE(int((*u.getSound()->GetLeftWave())[0]), 19999);
+    QVERIFY(ws.status("Volume").enabled);
+    QVERIFY(messages.recorder.messages.empty());
+}
+
+// The progress dialog comes after the delay; its Cancel leaves the document, its undo slot
+// and its state as they were.
+void CommandRunnerTest::cancelInTheProgressDialogChangesNothing() {
+    test::RecordingPlatformScope messages;
+    Workspace ws;
+    CommandRunner runner(ws);
+    runner.setProgressDelay(0);
+    TUnitWave& u = ws.add(std::make_unique<TUnitWave>(test::mono(test::rampOf(20000)), 2, "a.wav"));
+    runner.setInline(true);
+    runner.run("Up", {}, {});  // an earlier change, which undo must still undo
+    runner.setInline(false);
+    const TUndoUnit* undo = ws.undoRecord();
+    const Sound* before = u.getSound();
+    Gate gate;
+    ActionResult got;
+    runner.run("Reverse", {}, [&](const ActionResult& r) { got = r; });
+    QTRY_VERIFY(runner.progressDialog() != nullptr);
+    QProgressDialog* dialog = runner.progressDialog();
+    QTRY_VERIFY(dialog->isVisible());
+    QCOMPARE(dialog->labelText(), QString("Reverse"));
+    auto* cancel = dialog->findChild<QPushButton*>();
+    QVERIFY(cancel);
+    QTest::mouseClick(cancel, Qt::LeftButton);
+    Gate::stage = 2;
+    QTRY_VERIFY(!runner.busy());
+    QCOMPARE(int(got.kind), int(ActionResult::Kind::Cancelled));
+    QCOMPARE(u.getSound(), before);
+    QCOMPARE(ws.undoRecord(), undo);
+    QCOMPARE(int(u.getState()), int(kStateChanged));
+    QVERIFY(runner.progressDialog() == nullptr);
 }
 
 QTEST_MAIN(CommandRunnerTest)

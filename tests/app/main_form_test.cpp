@@ -112,6 +112,8 @@ void MainFormTest::init() {
     QSettings().clear();  // no recent files from another test
     messages_ = std::make_unique<test::RecordingPlatformScope>();
     frame_ = std::make_unique<TMainForm>();
+    // These tests read each command's result at once; the worker thread has tests of its own.
+    frame_->runner().setInline(true);
     questions_.clear();
     answer_ = QMessageBox::Cancel;
     TMainForm::Prompts& p = frame_->prompts();

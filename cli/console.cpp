@@ -11,8 +11,11 @@ void Console::wipeLocked() {
 void Console::showMessage(std::string_view caption, std::string_view text, MessageIcon) {
     std::lock_guard lock(mutex_);
     wipeLocked();
-    std::fprintf(err_, "%.*s: %.*s\n", int(caption.size()), caption.data(), int(text.size()),
-                 text.data());
+    if (caption.empty())  // a line of detail under the message before it
+        std::fprintf(err_, "%.*s\n", int(text.size()), text.data());
+    else
+        std::fprintf(err_, "%.*s: %.*s\n", int(caption.size()), caption.data(),
+                     int(text.size()), text.data());
     std::fflush(err_);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "cli/runner.h"
+#include "cli/suggest.h"
 #include "document/file_props_record.h"
 #include "document/register_check.h"
 #include "fileio/sound_export.h"
@@ -99,7 +100,8 @@ bool actionHelpText(Workspace& ws, std::string_view action, std::string& text) {
     const ActionDef* def = findAction(action);
     if (!def || !runsHere(*def)) {
         text = def ? std::string(action) + " needs the desktop program."
-                   : "Unknown action \"" + std::string(action) + "\".";
+                   : "Unknown action \"" + std::string(action) + "\"." +
+                         didYouMean(action, stepAndActionNames());
         return false;
     }
     // Without an open wave the fields show their defaults, as on a new wave.

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "cli/console.h"
@@ -14,10 +15,22 @@
 int main(int argc, char** argv) {
     using namespace orv::cli;
     std::ios::sync_with_stdio(false);
-    Console console(stderr);
+    // Our messages go through a descriptor of their own, so that what codec libraries print
+    // on stderr during an import can be thrown away without losing them.
+    const int errFd = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    std::FILE* err = errFd >= 0 ? ::fdopen(errFd, "w") : nullptr;
+    Console console(err ? err : stderr);
     PlatformScope scope(console);
 
     std::vector<std::string> args(argv + 1, argv + argc);
+    if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h")) {
+        std::cout << helpText();
+        return kExitOk;
+    }
+    if (args.size() == 1 && args[0] == "--version") {
+        std::cout << "orvasto-cli " << ORVASTO_VERSION << "\n";
+        return kExitOk;
+    }
     if (args.empty()) {
         std::fputs("Usage: orvasto-cli STEP [STEP ...]; orvasto-cli help lists the steps.\n",
                    stderr);
@@ -29,6 +42,7 @@ int main(int argc, char** argv) {
         return kExitUsage;
     }
     ScriptRunner runner(std::cout);
+    runner.setQuietCodecs(true);
     const int status = runWatched(runner, steps, console, ::isatty(STDERR_FILENO) == 1);
     std::cout.flush();
     return status;

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <ostream>
 
+#include "cli/suggest.h"
 #include "core/platform.h"
 #include "core/wave.h"
+#include "document/filter_frequency_check.h"
+#include "fileio/safe_file_writer.h"
 #include "fileio/sound_export.h"
 #include "fileio/sound_import.h"
 
@@ -51,6 +55,8 @@ private:
 
 }  // namespace
 
+void showDetail(std::string_view text) { showMessage("", text, MessageIcon::Information); }
+
 std::string wavNameFor(const std::string& file) {
     const std::size_t slash = file.find_last_of('/');
     const std::size_t dot = file.find_last_of('.');
@@ -72,13 +78,41 @@ void ScriptRunner::interrupt() {
 int ScriptRunner::run(const std::vector<Step>& steps) {
     if (!sinus) return kExitFile;  // "Could not create sinus." was shown
     for (const Step& step : steps) {
+        // Ctrl-C is honoured between steps and, through the cancel flag, inside one. A step
+        // that finished before it noticed is done (a save is in place): the script stops
+        // before the next one, and when there is none the work is complete.
         if (interrupted()) return kExitInterrupted;
         const int status = runStep(step);
-        if (interrupted()) return kExitInterrupted;
-        if (status != kExitOk) return status;
+        if (status != kExitOk) return interrupted() ? kExitInterrupted : status;
     }
     out_.flush();
     return kExitOk;
+}
+
+int ScriptRunner::saveStatus(const ActionResult& r) const {
+    if (r.kind == ActionResult::Kind::Refused && r.caption == kSaveErrorCaption) {
+        // "Cannot save the wave." alone does not say what to do about it.
+        const WriteFailure why = lastWriteFailure();
+        if (!why.reason.empty()) showDetail("\"" + why.file + "\": " + why.reason);
+    }
+    return resultStatus(r);
+}
+
+bool ScriptRunner::refusesOverwrite(const TUnitWave& unit, const std::string& target,
+                                    std::string_view caption, bool exporting) const {
+    const auto origin = origins_.find(&unit);
+    if (origin == origins_.end()) return false;
+    const std::optional<std::string> refusal = importOverwriteRefusal(origin->second, target);
+    if (!refusal) return false;
+    showMessage(caption, exporting ? exportFailureText(target, *refusal) : *refusal,
+                MessageIcon::Information);
+    return true;
+}
+
+std::int32_t ScriptRunner::position(const std::string& text, const TUnitWave& unit) const {
+    PositionText p;
+    readPosition(text, p);
+    return clampTo(positionSample(p, unit.getFreq(), unit.values()), unit.values());
 }
 
 int ScriptRunner::usage(const std::string& text) const {
@@ -132,11 +166,8 @@ int ScriptRunner::runStep(const Step& step) {
         case StepKind::Select: {
             TUnitWave* unit = activeFor(step);
             if (!unit) return kExitUsage;
-            PositionText a, b;
-            readPosition(step.args[0], a);
-            readPosition(step.args[1], b);
-            std::int32_t begin = clampTo(positionSample(a, unit->getFreq()), unit->values());
-            std::int32_t end = clampTo(positionSample(b, unit->getFreq()), unit->values());
+            std::int32_t begin = position(step.args[0], *unit);
+            std::int32_t end = position(step.args[1], *unit);
             if (begin > end) std::swap(begin, end);
             if (begin == end)
                 unit->setCursor(begin);
@@ -147,17 +178,16 @@ int ScriptRunner::runStep(const Step& step) {
         case StepKind::Cursor: {
             TUnitWave* unit = activeFor(step);
             if (!unit) return kExitUsage;
-            PositionText p;
-            readPosition(step.args[0], p);
-            unit->setCursor(clampTo(positionSample(p, unit->getFreq()), unit->values()));
+            unit->setCursor(position(step.args[0], *unit));
             return kExitOk;
         }
         case StepKind::Save: {
             TUnitWave* unit = activeFor(step);
             if (!unit) return kExitUsage;
             if (unit->values() == 0) return usage("An empty wave cannot be saved.");
+            if (refusesOverwrite(*unit, step.args[0], kSaveErrorCaption, false)) return kExitFile;
             Target target(target_, &unit->cancelFlag());
-            return resultStatus(ws_.runAction("FileSaveAs", {{"File", step.args[0]}}));
+            return saveStatus(ws_.runAction("FileSaveAs", {{"File", step.args[0]}}));
         }
         case StepKind::Export: {
             TUnitWave* unit = activeFor(step);
@@ -178,11 +208,8 @@ int ScriptRunner::runStep(const Step& step) {
             if (!unit) return kExitUsage;
             std::int64_t begin = 0, end = unit->values();
             if (step.args.size() == 2) {
-                PositionText a, b;
-                readPosition(step.args[0], a);
-                readPosition(step.args[1], b);
-                begin = clampTo(positionSample(a, unit->getFreq()), unit->values());
-                end = clampTo(positionSample(b, unit->getFreq()), unit->values());
+                begin = position(step.args[0], *unit);
+                end = position(step.args[1], *unit);
             }
             dump(*unit, begin, end);
             return kExitOk;
@@ -207,8 +234,54 @@ int ScriptRunner::actionStep(const Step& step) {
     TypedFields fields = step.fields;
     if (std::unique_ptr<FormView> form = ws_.actionForm(step.word))
         fields = resolveOptionValues(form->spec(), fields);
+    if (std::optional<int> refused = checkAction(step, fields)) return *refused;
     Target target(target_, unit ? &unit->cancelFlag() : nullptr);
-    return resultStatus(ws_.runAction(step.word, fields));
+    const ActionResult r = ws_.runAction(step.word, fields);
+    if (step.word == "Duplicate" && r.kind == ActionResult::Kind::Done && unit &&
+        ws_.active() != unit && origins_.count(unit))
+        origins_[ws_.active()] = origins_[unit];  // a copy of an import is one too
+    return saveStatus(r);
+}
+
+std::optional<int> ScriptRunner::checkAction(const Step& step, const TypedFields& fields) {
+    TUnitWave* unit = ws_.active();
+    const std::string& name = step.word;
+    if (!unit || !ws_.status(name).enabled) return std::nullopt;  // runAction says why
+    if (std::unique_ptr<FormView> form = ws_.actionForm(name)) {
+        const FormSpec& spec = form->spec();
+        for (const auto& typed : fields) {
+            if (spec.find(typed.first) != kNoField) continue;
+            std::vector<std::string> captions;
+            std::string list;
+            for (const FieldDef& f : spec.fields) {
+                captions.push_back(plainCaption(f.caption));
+                list += (list.empty() ? "" : ", ") + captions.back();
+            }
+            return usage("There is no field \"" + typed.first + "\" in \"" +
+                         std::string(spec.caption) + "\"." + didYouMean(typed.first, captions) +
+                         " Its fields: " + list + ".");
+        }
+        if (name == "FilterRes" || name == "FilterNotch") {
+            // The form cannot tell how high a frequency the wave can carry; the filter stops
+            // the program on one it cannot.
+            ResNotchRecord record = name == "FilterRes" ? unit->records().resonant : unit->records().notch;
+            if (!applyTypedFields(record, fields, ws_.formContext())) {
+                if (std::optional<FormError> e = checkResonatorValues(record, unit->getFreq())) {
+                    e->show();
+                    return kExitUsage;
+                }
+            }
+        }
+    }
+    if (name == "FileSave" || name == "FileSaveAs") {
+        std::string file;
+        for (const auto& [key, value] : fields)
+            if (captionMatches(key, "File")) file = value;
+        if (file.empty() && !unit->isNew()) file = unit->getFileName();
+        if (!file.empty() && refusesOverwrite(*unit, file, kSaveErrorCaption, false))
+            return kExitFile;
+    }
+    return std::nullopt;
 }
 
 int ScriptRunner::importStep(const Step& step) {
@@ -219,6 +292,8 @@ int ScriptRunner::importStep(const Step& step) {
     bool ok;
     {
         Target target(target_, &importCancel_);
+        std::optional<QuietStderr> quiet;
+        if (quietCodecs_) quiet.emplace();
         ok = importSoundFile(file, sound, reason, &importCancel_);
     }
     if (!ok) {
@@ -226,16 +301,20 @@ int ScriptRunner::importStep(const Step& step) {
         showMessage(kFileErrorCaption, importFailureText(file, reason), MessageIcon::Information);
         return kExitFile;
     }
-    // An imported wave is kept with 16-bit samples and is not yet what its file holds. Its
-    // own file name ends in ".wav", so that FileSave never writes WAV data into a FLAC file.
+    // An imported wave is kept with 16-bit samples: it has no file of its own until it is
+    // saved under a name, so FileSave asks for one, as for a wave never saved. The name it
+    // suggests ends in ".wav". Saving over the file it came from is refused.
+    ImportOrigin origin = importOrigin(file, *sound);
     TUnitWave& unit = ws_.add(std::make_unique<TUnitWave>(std::move(sound), 2, wavNameFor(file)));
-    unit.setChanged();
+    unit.setNew();
+    origins_[&unit] = std::move(origin);
     return kExitOk;
 }
 
 int ScriptRunner::exportStep(const Step& step, TUnitWave& unit) {
     const std::string& file = step.args[0];
     const std::string format = step.args.size() > 1 ? step.args[1] : std::string();
+    if (refusesOverwrite(unit, file, kFileErrorCaption, true)) return kExitFile;
     unit.clearCancel();
     std::string reason;
     bool ok;

@@ -4,14 +4,23 @@
 // Exit status: 0 all steps ran; 1 a file could not be read or written (or memory ran out);
 // 2 a field or a step was refused (a bad value, an action not offered now, a name in use);
 // 130 interrupted. The first step that fails ends the script; files saved before it stay.
+// An interruption stops the running step at its next chunk (a save before its file replaces
+// the old one); a step that finished anyway counts as done, so when it was the last one the
+// status is 0.
+//
+// An imported wave remembers the file it came from: saving or exporting over that file is
+// refused (document/import_origin.h), and until it is saved under a name it is a new wave,
+// so FileSave needs a name for it.
 #pragma once
 
 #include <atomic>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "cli/script.h"
+#include "document/import_origin.h"
 #include "document/workspace.h"
 
 namespace orv::cli {
@@ -54,6 +63,10 @@ public:
 
     Workspace& workspace() { return ws_; }
 
+    // Throw away what codec libraries print on stderr while a file is imported (the
+    // program does; in-process tests leave stderr alone).
+    void setQuietCodecs(bool quiet) { quietCodecs_ = quiet; }
+
 private:
     int actionStep(const Step& step);
     int resultStatus(const ActionResult& r) const;
@@ -61,7 +74,14 @@ private:
     TUnitWave* activeFor(const Step& step) const;
     int importStep(const Step& step);
     int exportStep(const Step& step, TUnitWave& unit);
+    int saveStatus(const ActionResult& r) const;
+    // The save or export refusal for writing `unit` to `target`, shown; true when refused.
+    bool refusesOverwrite(const TUnitWave& unit, const std::string& target,
+                          std::string_view caption, bool exporting) const;
+    // The checks the command line makes before an action runs; a status when refused.
+    std::optional<int> checkAction(const Step& step, const TypedFields& fields);
     void dump(const TUnitWave& unit, std::int64_t begin, std::int64_t end);
+    std::int32_t position(const std::string& text, const TUnitWave& unit) const;
 
     Workspace ws_;
     std::ostream& out_;
@@ -69,6 +89,12 @@ private:
     std::atomic<CancelFlag*> target_{nullptr};
     std::atomic<const Step*> current_{nullptr};
     CancelFlag importCancel_{0};
+    bool quietCodecs_ = false;
+    std::map<const TUnitWave*, ImportOrigin> origins_;
 };
+
+// A line of detail under the message before it (caption left empty): the file and the
+// system's reason of a failed save.
+void showDetail(std::string_view text);
 
 }  // namespace orv::cli

@@ -2,8 +2,11 @@
 
 #include <cmath>
 
+#include "cli/suggest.h"
+
 #include "core/sample_value.h"
 #include "document/actions.h"
+#include "fileio/sample_frequency.h"
 #include "fileio/sound_export.h"
 #include "units/value_reader.h"
 
@@ -65,8 +68,20 @@ bool isStepWord(std::string_view word) {
     return false;
 }
 
+std::vector<std::string> stepAndActionNames() {
+    std::vector<std::string> names(stepWords().begin(), stepWords().end());
+    for (const ActionDef& a : actionTable())
+        if (a.flow != ActionFlow::Front && a.flow != ActionFlow::Inert) names.emplace_back(a.name);
+    return names;
+}
+
 bool readPosition(std::string_view text, PositionText& out) {
     const std::string_view t = trim(text);
+    if (t == "end") {
+        out = PositionText{};
+        out.atEnd = true;
+        return true;
+    }
     if (allDigits(t)) {
         if (t.size() > 10) return false;
         std::int64_t v = 0;
@@ -85,7 +100,8 @@ bool readPosition(std::string_view text, PositionText& out) {
     return true;
 }
 
-std::int64_t positionSample(const PositionText& p, std::int32_t freq) {
+std::int64_t positionSample(const PositionText& p, std::int32_t freq, std::int32_t values) {
+    if (p.atEnd) return values;
     if (!p.isTime) return p.sample;
     return truncToInt(double(freq) * p.seconds);
 }
@@ -152,9 +168,11 @@ std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
             step.kind = StepKind::New;
             if (auto e = need(step, 3, "a frequency, the bits and the channels")) return e;
             std::int64_t freq = 0, bits = 0, channels = 0;
-            if (!readCount(args[i], freq) || freq == 0)
-                return ScriptError{"new needs a frequency in samples per second, not " +
-                                   quoted(args[i]) + "."};
+            if (!readCount(args[i], freq) || !isUsableSampleFrequency(freq))
+                return ScriptError{"new needs a frequency of " +
+                                   std::to_string(kLowestSampleFrequency) + " to " +
+                                   std::to_string(kHighestSampleFrequency) +
+                                   " samples per second, not " + quoted(args[i]) + "."};
             if (!readCount(args[i + 1], bits) || (bits != 8 && bits != 16))
                 return ScriptError{"new needs 8 or 16 bits, not " + quoted(args[i + 1]) + "."};
             if (!readCount(args[i + 2], channels) || (channels != 1 && channels != 2))
@@ -166,7 +184,7 @@ std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
             for (int k = 0; k < 2; ++k) {
                 if (!isPosition(args[i]))
                     return ScriptError{"Not a position: " + quoted(args[i]) +
-                                       " (a sample index, or a time in s or ms)."};
+                                       " (a sample index, a time in s or ms, or end)."};
                 step.args.push_back(args[i++]);
             }
         } else if (w == "cursor") {
@@ -174,7 +192,7 @@ std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
             if (auto e = need(step, 1, "a position")) return e;
             if (!isPosition(args[i]))
                 return ScriptError{"Not a position: " + quoted(args[i]) +
-                                   " (a sample index, or a time in s or ms)."};
+                                   " (a sample index, a time in s or ms, or end)."};
             step.args.push_back(args[i++]);
         } else if (w == "info") {
             step.kind = StepKind::Info;
@@ -203,7 +221,7 @@ std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
         } else if (w.find('=') != std::string::npos) {
             return ScriptError{"The field " + quoted(w) + " does not follow an action."};
         } else {
-            return ScriptError{"Unknown step " + quoted(w) + "."};
+            return ScriptError{"Unknown step " + quoted(w) + "." + didYouMean(w, stepAndActionNames())};
         }
         steps.push_back(std::move(step));
     }

@@ -3,7 +3,7 @@
 // leave half the work done.
 //
 //   open FILE | import FILE | new FREQ BITS CHANNELS | name NAME | use NAME
-//   select BEGIN END | cursor POS | save FILE | export FILE [FORMAT]
+//   select BEGIN END | cursor POS | save FILE | export FILE [FORMAT]   (a position may be "end")
 //   info | dump [BEGIN END] | help [ACTION]
 //   ACTION ["Caption=Value" ...]      any action of the table that works on documents
 #pragma once
@@ -60,16 +60,22 @@ std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
 // else is passed on unchanged.
 TypedFields resolveOptionValues(const FormSpec& spec, const TypedFields& typed);
 
-// A position as typed: a plain integer is a sample index, a number with "s" or "ms" a time.
+// A position as typed: a plain integer is a sample index, a number with "s" or "ms" a time,
+// "end" the end of the wave.
 struct PositionText {
     bool isTime = false;
     std::int64_t sample = 0;
     double seconds = 0.0;
+    bool atEnd = false;
 };
 // False for anything else ("12.5", "3 Hz", "-4", "").
 bool readPosition(std::string_view text, PositionText& out);
-// The sample a position stands for in a sound of `freq` samples per second: a time becomes
-// trunc(freq x seconds), as everywhere else a time becomes a position.
-std::int64_t positionSample(const PositionText& p, std::int32_t freq);
+// The sample a position stands for in a sound of `values` samples at `freq` samples per
+// second: a time becomes trunc(freq x seconds), as everywhere else a time becomes a
+// position; "end" becomes `values`.
+std::int64_t positionSample(const PositionText& p, std::int32_t freq, std::int32_t values);
+
+// The step words and the names of the actions that run here, for "did you mean".
+std::vector<std::string> stepAndActionNames();
 
 }  // namespace orv::cli

@@ -1,7 +1,37 @@
 // The records of the echoes and the filters.
 #include "document/records.h"
 
+#include <cmath>
+#include <string>
+
+#include "document/filter_frequency_check.h"
+
 namespace orv {
+
+std::optional<FormError> checkResonatorValues(const ResNotchRecord& r, std::int32_t sampleFreq) {
+    if (r.frequencyKind == kConstant && sampleFreq > 0) {
+        // The period in samples, computed exactly as the filter will compute it.
+        const double per = sampleFreq * r.frequency.value;
+        if (!(per >= 1))
+            return inputError("Frequency Constant",
+                              "Frequency is too high. (maximum: " + std::to_string(sampleFreq) +
+                                  " Hz, the sample frequency of the wave)");
+    }
+    if (r.widthKind == kConstant && r.width.value > 1)
+        return inputError("Width Constant", "Value must be no more than 1.");
+    return std::nullopt;
+}
+
+namespace {
+bool checkResNotch(const ResNotchRecord& r, const FormContext&, FormError& error) {
+    // The form does not know the wave's sample frequency; the width it can check.
+    if (auto e = checkResonatorValues(r, 0)) {
+        error = *e;
+        return false;
+    }
+    return true;
+}
+}  // namespace
 
 ResNotchRecord::ResNotchRecord() { table().applyDefaults(*this); }
 const RecordTable<ResNotchRecord>& ResNotchRecord::table() {
@@ -16,7 +46,7 @@ const RecordTable<ResNotchRecord>& ResNotchRecord::table() {
             .in("Frequency Width", kConstant),
         waveNameField("Frequency Width Envelope", &R::widthEnvelope)
             .in("Frequency Width", kEnvelope),
-    });
+    }, checkResNotch);
     return t;
 }
 

@@ -230,16 +230,16 @@ bool exportSoundRange(const std::string& fileName, ExportFormat format, const So
     }
 
     SafeFileWriter writer;
-    errno = 0;
     if (!writer.open(fileName)) {
-        const int err = errno;
         reason = std::string(kExportCannotCreate);
-        reason += err ? std::string(": ") + std::strerror(err) + "." : std::string(".");
+        const std::string& why = writer.failureReason();
+        reason += why.empty() ? std::string(".") : ": " + why;
         return false;
     }
     // libsndfile goes back to fill in headers, so it gets a descriptor of its own on the
-    // temporary; the writer keeps the naming, the permissions and the final rename.
-    Descriptor fd(::open(writer.temporaryPath().c_str(), O_RDWR | O_CLOEXEC));
+    // temporary (which may have no name yet); the writer keeps the permissions and puts the
+    // file in place.
+    Descriptor fd(::fcntl(writer.descriptor(), F_DUPFD_CLOEXEC, 0));
     if (fd.get() < 0) {
         reason = std::string(kExportCannotCreate) + ": " + std::strerror(errno) + ".";
         return false;
@@ -259,7 +259,10 @@ bool exportSoundRange(const std::string& fileName, ExportFormat format, const So
         return false;
     }
     if (!fd.finish() || !writer.commit(true)) {
+        // "Cannot finish writing the file." with the system's reason before the full stop.
         reason = kExportCannotFinish;
+        if (const std::string& why = writer.failureReason(); !why.empty())
+            reason = reason.substr(0, reason.size() - 1) + ": " + why;
         return false;
     }
     return true;

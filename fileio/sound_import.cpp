@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdio>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -14,6 +15,7 @@
 
 #include "core/platform.h"
 #include "core/wave.h"
+#include "fileio/sample_frequency.h"
 #include "fileio/wav_format.h"
 
 namespace orv {
@@ -101,8 +103,15 @@ bool noMemory(std::string& reason, CancelFlag* cancel) {
     return false;
 }
 
+// A sentence of ours, then libsndfile's own text as the detail.
+std::string withDetail(std::string_view sentence, const char* detail) {
+    std::string text(sentence);
+    if (detail && *detail) text += std::string(" (libsndfile: ") + detail + ")";
+    return text;
+}
+
 bool damaged(SNDFILE* file, std::string& reason) {
-    reason = sf_strerror(file);
+    reason = withDetail(kImportDamagedSamples, sf_strerror(file));
     return false;
 }
 
@@ -172,8 +181,8 @@ bool readOpened(SNDFILE* file, const SF_INFO& info, SoundPtr& sound, std::string
         reason = importChannelsReason(channels);
         return false;
     }
-    if (info.samplerate <= 0) {
-        reason = importFrequencyReason(info.samplerate);
+    if (!isUsableSampleFrequency(info.samplerate)) {
+        reason = sampleFrequencyReason(info.samplerate);
         return false;
     }
     // Whatever libsndfile converts to 16 bits itself is clipped, never wrapped.
@@ -291,6 +300,8 @@ public:
     // Where the renamed chunk identifiers lie; read() leaves them to the caller.
     std::vector<sf_count_t> junked;
     sf_count_t pos = 0;
+    // The sample frequency a WAV file's format chunk gives, -1 when there is none.
+    std::int64_t wavFrequency = -1;
 
 private:
     const unsigned char* data_ = nullptr;
@@ -314,6 +325,9 @@ void screenWaveChunks(Source& src) {
         if (std::memcmp(c, "fmt ", 4) != 0 && std::memcmp(c, "fact", 4) != 0 &&
             std::memcmp(c, "data", 4) != 0)
             src.junked.push_back(at);
+        unsigned char rate[4];
+        if (std::memcmp(c, "fmt ", 4) == 0 && src.read(rate, 4, at + 12) == 4)
+            src.wavFrequency = std::int64_t(getLE32(rate));
         const sf_count_t size = sf_count_t(c[4]) | sf_count_t(c[5]) << 8 |
                                 sf_count_t(c[6]) << 16 | sf_count_t(c[7]) << 24;
         at += 8 + size + (size & 1);
@@ -353,7 +367,17 @@ bool importFrom(Source& src, SoundPtr& sound, std::string& reason, CancelFlag* c
     SF_INFO info{};
     SNDFILE* file = sf_open_virtual(&io, SFM_READ, &info, &src);
     if (!file) {
-        reason = sf_strerror(nullptr);
+        // libsndfile's texts are written for programmers ("Internal error : SF_INFO struct
+        // incomplete." for a WAV file of 0 Hz); the user gets a sentence of ours first.
+        const int error = sf_error(nullptr);
+        if (src.size() == 0)
+            reason = kImportEmpty;
+        else if (src.wavFrequency >= 0 && !isUsableSampleFrequency(src.wavFrequency))
+            reason = sampleFrequencyReason(src.wavFrequency);
+        else
+            reason = withDetail(error == SF_ERR_UNRECOGNISED_FORMAT ? kImportUnknownKind
+                                                                      : kImportDamagedHeader,
+                                sf_strerror(nullptr));
         return false;
     }
     SndFileCloser closer(file);
@@ -370,24 +394,21 @@ std::string importChannelsReason(int channels) {
            " channels; only mono and stereo files can be imported.";
 }
 
-std::string importFrequencyReason(std::int64_t freq) {
-    return "The file's sample frequency " + std::to_string(freq) + " is not usable.";
-}
-
 bool importSoundFile(const std::string& fileName, SoundPtr& sound, std::string& reason,
                      CancelFlag* cancel) {
     sound.reset();
-    const int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    // Not blocking: opening a named pipe for reading would wait for a writer forever. Only
+    // a plain file ever reaches libsndfile.
+    const int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        reason = errno == ENOENT ? std::string(kImportMissing)
+                                 : std::string(kImportCannotOpen) + std::strerror(errno) + ".";
+        return false;
+    }
     Source src(fd);
-    if (fd < 0 || src.size() < 0) {
-        // Let libsndfile say why in its own words.
-        SF_INFO info{};
-        if (SNDFILE* f = sf_open(fileName.c_str(), SFM_READ, &info)) {
-            sf_close(f);
-            reason = "The file is not a regular file.";
-        } else {
-            reason = sf_strerror(nullptr);
-        }
+    if (src.size() < 0) {
+        struct stat st;
+        reason = ::fstat(fd, &st) == 0 && S_ISDIR(st.st_mode) ? kImportFolder : kImportNotAFile;
         return false;
     }
     (void)::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -399,6 +420,25 @@ bool importSoundMemory(const void* data, std::size_t size, SoundPtr& sound,
     sound.reset();
     Source src(static_cast<const unsigned char*>(data), sf_count_t(size));
     return importFrom(src, sound, reason, cancel);
+}
+
+QuietStderr::QuietStderr() {
+    std::fflush(stderr);
+    const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (null < 0) return;
+    saved_ = ::fcntl(2, F_DUPFD_CLOEXEC, 3);
+    if (saved_ >= 0 && ::dup2(null, 2) < 0) {
+        ::close(saved_);
+        saved_ = -1;
+    }
+    ::close(null);
+}
+
+QuietStderr::~QuietStderr() {
+    if (saved_ < 0) return;
+    std::fflush(stderr);
+    ::dup2(saved_, 2);
+    ::close(saved_);
 }
 
 std::string importFailureText(const std::string& fileName, const std::string& reason) {

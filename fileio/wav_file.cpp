@@ -12,6 +12,7 @@
 
 #include "core/platform.h"
 #include "fileio/safe_file_writer.h"
+#include "fileio/sample_frequency.h"
 
 namespace orv {
 
@@ -40,6 +41,7 @@ public:
             fd_ = -1;
             return;
         }
+        size_ = std::uint64_t(st.st_size);
         (void)::posix_fadvise(fd_, 0, 0, POSIX_FADV_SEQUENTIAL);
     }
     ~InputFile() {
@@ -49,6 +51,12 @@ public:
     InputFile& operator=(const InputFile&) = delete;
 
     bool isOpen() const { return fd_ >= 0; }
+
+    // Bytes from the read position to the end of the file.
+    std::uint64_t remaining() const {
+        const off_t at = ::lseek(fd_, 0, SEEK_CUR);
+        return at < 0 || std::uint64_t(at) >= size_ ? 0 : size_ - std::uint64_t(at);
+    }
 
     // Up to `bytes` bytes; fewer only at the end of the file.
     std::size_t read(void* data, std::size_t bytes) {
@@ -100,9 +108,15 @@ public:
 private:
     int fd_ = -1;
     bool atEnd_ = false;
+    std::uint64_t size_ = 0;
 };
 
-void noMemory() { showMessage(kMemoryCaption, kMemoryMessage); }
+// The memory message is shown here, and it is also the reason the caller gives for the file.
+bool noMemory(const char*& message) {
+    showMessage(kMemoryCaption, kMemoryMessage);
+    message = kMemoryMessage;
+    return false;
+}
 
 // Fills left (and right) with n samples per channel from the data chunk.
 void readSamples(InputFile& file, int channels, int bytesPSample, WaveVal* left,
@@ -186,10 +200,14 @@ bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const 
         message = kWavBadChannels;
         return false;
     }
-    const auto freq = std::int32_t(file.u32());
+    const std::uint32_t freq = file.u32();
     (void)file.u32();  // bytes per second
     (void)file.u16();  // block align
     const int bytesPSample = bytesPerSampleFromBits(file.u16());
+    if (!isUsableSampleFrequency(freq)) {
+        message = wavFrequencyMessage(freq);
+        return false;
+    }
     file.skip(std::uint32_t(formatSize - 16));  // the extension of a longer format chunk
 
     std::uint8_t id[4];
@@ -202,18 +220,21 @@ bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const 
     }
     if (std::memcmp(id, "data", 4) != 0) return false;  // message stays "No errors occurred."
 
-    const auto dataSize = std::int32_t(file.u32());
-    const std::int32_t n = samplesPerChannel(dataSize, channels, bytesPSample);
-
-    WaveFileChannels result;
-    result.freq = freq;
-    result.monoStereo = channels;
-    result.bytesPSample = bytesPSample;
-    if (n < 0) {
-        // A size past 2 GB reads as negative: no storage can be made for it.
-        noMemory();
+    // A recording still being written (or streamed) carries 0xFFFFFFFF or a guess here, and a
+    // damaged file anything at all: the file itself says how many bytes there really are.
+    const std::uint32_t claimed = file.u32();
+    const std::uint64_t dataSize = std::min<std::uint64_t>(claimed, file.remaining());
+    const std::int64_t count = samplesPerChannel(dataSize, channels, bytesPSample);
+    if (count > std::numeric_limits<std::int32_t>::max()) {
+        message = kWavTooManySamples;
         return false;
     }
+    const auto n = std::int32_t(count);
+
+    WaveFileChannels result;
+    result.freq = std::int32_t(freq);
+    result.monoStereo = channels;
+    result.bytesPSample = bytesPSample;
     if (n == 0) {
         result.left = std::make_unique<Wave>();
         if (channels == 2) result.right = std::make_unique<Wave>();
@@ -222,17 +243,13 @@ bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const 
     }
 
     WaveVal* left = allocateSamples(n);
-    if (!left) {
-        noMemory();
-        return false;
-    }
+    if (!left) return noMemory(message);
     WaveVal* right = nullptr;
     if (channels == 2) {
         right = allocateSamples(n);
         if (!right) {
             freeSamples(left);
-            noMemory();
-            return false;
+            return noMemory(message);
         }
     }
     result.left = std::make_unique<Wave>(left, n);
@@ -244,8 +261,12 @@ bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const 
 
 bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave* right,
                        std::int32_t freq, int bytesPSample, std::int32_t begin,
-                       std::int32_t end, bool temporary) {
-    if (!left) return false;
+                       std::int32_t end, bool temporary, const CancelFlag* cancel) {
+    clearWriteFailure();
+    if (!left) {
+        noteWriteFailure(fileName, "There is no sound to write.");
+        return false;
+    }
     ORV_ASSERT(begin >= 0, kUnit);
     ORV_ASSERT(begin <= end, kUnit);
     ORV_ASSERT(end <= left->getValues(), kUnit);
@@ -253,12 +274,18 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
                     "waveLeft->getValues() == waveRight->getValues()", kUnit);
     // Only these two widths can be written; anything else would give a file whose header
     // and samples disagree.
-    if (bytesPSample != 1 && bytesPSample != 2) return false;
+    if (bytesPSample != 1 && bytesPSample != 2) {
+        noteWriteFailure(fileName, "Only 8-bit and 16-bit WAV files can be written.");
+        return false;
+    }
 
     const int channels = right ? 2 : 1;
     const std::int32_t count = end - begin;
     const std::uint64_t dataSize = std::uint64_t(channels) * std::uint64_t(count) * bytesPSample;
-    if (dataSize > std::numeric_limits<std::uint32_t>::max() - 32u) return false;
+    if (dataSize > std::numeric_limits<std::uint32_t>::max() - 32u) {
+        noteWriteFailure(fileName, "The wave is too long for a WAV file (4 GB at most).");
+        return false;
+    }
 
     SafeFileWriter file;
     if (!file.open(fileName, !temporary)) return false;
@@ -266,19 +293,27 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
     const WavHeader header = makeWavHeader(std::uint16_t(channels), freq,
                                            std::uint16_t(bytesPSample), std::uint32_t(dataSize));
     if (!file.write(header.data(), header.size())) return false;
+    // Ctrl-C on a long save: stop writing, and above all do not replace the old file.
+    auto interrupted = [&] {
+        if (!cancel || !isCancelled(*cancel)) return false;
+        file.fail(kWavSaveInterrupted);
+        return true;
+    };
 
     const WaveVal* l = left->data() + begin;
     const WaveVal* r = right ? right->data() + begin : nullptr;
-    if (channels == 1 && bytesPSample == 2 && kLittleHost) {
-        // Straight from the wave.
-        if (count > 0 && !file.write(l, std::size_t(count) * 2)) return false;
-    } else {
-        const std::size_t frameBytes = std::size_t(channels) * bytesPSample;
-        const std::size_t blockFrames =
-            std::min<std::size_t>(kBlockBytes / frameBytes, std::size_t(count));
-        std::vector<std::uint8_t> block(blockFrames * frameBytes);
-        for (std::int32_t pos = 0; pos < count;) {
-            const std::int32_t m = std::int32_t(std::min<std::size_t>(blockFrames, count - pos));
+    const std::size_t frameBytes = std::size_t(channels) * bytesPSample;
+    const std::size_t blockFrames =
+        std::min<std::size_t>(kBlockBytes / frameBytes, std::size_t(count));
+    const bool straight = channels == 1 && bytesPSample == 2 && kLittleHost;
+    std::vector<std::uint8_t> block(straight ? 0 : blockFrames * frameBytes);
+    for (std::int32_t pos = 0; pos < count;) {
+        if (interrupted()) return false;
+        const std::int32_t m = std::int32_t(std::min<std::size_t>(blockFrames, count - pos));
+        if (straight) {
+            // Straight from the wave.
+            if (!file.write(l + pos, std::size_t(m) * 2)) return false;
+        } else {
             if (channels == 1) {
                 if (bytesPSample == 1)
                     encodeMono8(l + pos, block.data(), m);
@@ -290,9 +325,10 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
                 encodeStereo16(l + pos, r + pos, block.data(), m);
             }
             if (!file.write(block.data(), std::size_t(m) * frameBytes)) return false;
-            pos += m;
         }
+        pos += m;
     }
+    if (interrupted()) return false;
     return file.commit();
 }
 

@@ -29,19 +29,36 @@ struct WaveFileChannels {
 };
 
 // Reads `fileName`. `message` is set to kWavNoErrors first and to the reason on a format
-// failure; a chunk other than "fact" before "data" fails with the message unchanged. A
-// data size that cannot be held (negative, or storage refused) shows the memory message
-// under "System Error". Samples a short file cannot supply are 0.
+// failure; a chunk other than "fact" before "data" fails with the message unchanged.
+//
+// Where the classic reader would take a hostile or damaged file at its word, this one is
+// safer, so that no file can stop the program later or eat its memory:
+//   - Samples a file cannot supply are 0 (it shrank while being read).
+//   - Only plain files are read; a named pipe or a device is "Cannot open File." at once
+//     instead of blocking.
+//   - A sample frequency outside 1 .. 1000000 Hz (0, values that read as negative, rates no
+//     sound card has) is refused with wavFrequencyMessage: it would divide by zero or make
+//     gigabytes of samples in the first echo or filter.
+//   - The data size is the smaller of the size the chunk claims and the bytes that follow
+//     in the file, so a truncated or streamed recording (size 0xFFFFFFFF) opens with exactly
+//     the samples it holds, and a 44-byte file claiming 2 GB costs nothing. Whole frames
+//     only, as before: 6 bytes of 16-bit stereo are 1 sample per channel.
+//   - More samples per channel than a wave can count is kWavTooManySamples.
+//   - When sample storage cannot be had the memory message is shown under "System Error"
+//     and is also the message returned, not "No errors occurred.".
 bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const char*& message);
 
 // Writes samples [begin, end) of `left` (and of `right` when it is not null, interleaved
 // left first) as a file of `bytesPSample` (1 or 2) bytes per sample. An existing file is
 // replaced only once the new one is completely on disk; on any failure it is left as it
-// was and the result is false. `temporary` marks a short-lived file (the play and record
-// files): it is not flushed to disk before it replaces the old one.
+// was, the result is false and lastWriteFailure() (safe_file_writer.h) says why.
+// `temporary` marks a short-lived file (the play and record files): it is not flushed to
+// disk before it replaces the old one. A `cancel` flag found set between blocks or just
+// before the file would replace the old one stops the save (kWavSaveInterrupted): a save is
+// either complete and in place, or it did not happen.
 bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave* right,
                        std::int32_t freq, int bytesPSample, std::int32_t begin,
-                       std::int32_t end, bool temporary);
+                       std::int32_t end, bool temporary, const CancelFlag* cancel = nullptr);
 
 // ---- sound level (wav_sound.cpp) --------------------------------------------------------
 
@@ -51,8 +68,9 @@ bool readWaveFile(const std::string& fileName, SoundPtr& sound, int& bytesPSampl
                   const char*& message);
 
 // Writes samples [begin, end) of every channel of `sound`. `cancel` is handed to the mono
-// sound's wave accessor and has no other effect. False when a wave is missing or the file
-// could not be written; an existing file is then untouched.
+// sound's wave accessor and, unlike in the classic writer, also stops the save when it is
+// set (see writeWaveChannels). False when a wave is missing or the file could not be
+// written; an existing file is then untouched.
 bool writeWaveFile(CancelFlag* cancel, const std::string& fileName, const Sound* sound,
                    int bytesPSample, std::int32_t begin, std::int32_t end, bool temporary);
 

@@ -1,7 +1,11 @@
 #include "fileio/wav_format.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
+
+#include "fileio/sample_frequency.h"
 
 namespace orv {
 
@@ -12,6 +16,20 @@ constexpr bool kLittleHost = std::endian::native == std::endian::little;
     return static_cast<std::uint16_t>((v << 8) | (v >> 8));
 }
 }  // namespace
+
+namespace {
+thread_local std::array<char, 160> frequencyText{};
+}  // namespace
+
+const char* wavFrequencyMessage(std::uint32_t freq) {
+    const std::string text = sampleFrequencyReason(freq);
+    const std::size_t n = std::min(text.size(), frequencyText.size() - 1);
+    std::memcpy(frequencyText.data(), text.data(), n);
+    frequencyText[n] = '\0';
+    return frequencyText.data();
+}
+
+bool isWavFrequencyMessage(const char* message) { return message == frequencyText.data(); }
 
 WavHeader makeWavHeader(std::uint16_t channels, std::int32_t freq, std::uint16_t bytesPSample,
                         std::uint32_t dataSize) {

@@ -20,6 +20,18 @@ inline constexpr char kWavChunkTooSmall[] = "chunk too small.";
 inline constexpr char kWavNotPcm[] = "A value must be 1.";
 inline constexpr char kWavBadChannels[] = "MonoStereo must be 1 or 2.";
 
+// Safety refusals of our own, beyond the reader's classic texts (see readWaveChannels).
+inline constexpr char kWavTooManySamples[] =
+    "The file holds more samples per channel than a wave can hold.";
+// Why a save stopped by its cancel flag did not happen.
+inline constexpr char kWavSaveInterrupted[] = "The save was interrupted; the file was not replaced.";
+// "The sample frequency N Hz is not usable; ..." (sample_frequency.h) for the frequency N
+// of the file. The text lives in a buffer of the calling thread until its next call; the
+// reader returns it like its constant texts.
+const char* wavFrequencyMessage(std::uint32_t freq);
+// Whether `message` is the text wavFrequencyMessage gave this thread last.
+bool isWavFrequencyMessage(const char* message);
+
 inline constexpr char kMemoryCaption[] = "System Error";
 inline constexpr char kMemoryMessage[] = "There is not enough memmory for this operation.";
 
@@ -39,9 +51,9 @@ constexpr int bytesPerSampleFromBits(std::int32_t bitsPerSample) {
 
 // Samples per channel held by a data chunk of `dataSize` bytes. Every width but 1 byte is
 // read as 16-bit. Each division truncates toward zero.
-constexpr std::int32_t samplesPerChannel(std::int32_t dataSize, int channels, int bytesPSample) {
-    const std::int32_t bytes = bytesPSample == 1 ? 1 : 2;
-    return dataSize / (bytes * (channels == 2 ? 2 : 1));
+constexpr std::int64_t samplesPerChannel(std::uint64_t dataSize, int channels, int bytesPSample) {
+    const std::uint64_t bytes = bytesPSample == 1 ? 1 : 2;
+    return std::int64_t(dataSize / (bytes * (channels == 2 ? 2 : 1)));
 }
 
 // 8-bit sample written: the quotient v / 256 (toward zero) + 128, modulo 256.

@@ -26,14 +26,14 @@ bool writeWaveFile(CancelFlag* cancel, const std::string& fileName, const Sound*
         const Wave* right = sound->GetRightWave();
         if (!left || !right) return false;
         return writeWaveChannels(fileName, left, right, sound->Freq, bytesPSample, begin, end,
-                                 temporary);
+                                 temporary, cancel);
     }
     bool isNew = false;
     Wave* middle = sound->GetMonoWave(cancel, isNew);
     if (!middle) return false;
     const WavePtr owned(isNew ? middle : nullptr);  // a mono sound lends its own wave
     return writeWaveChannels(fileName, middle, nullptr, sound->Freq, bytesPSample, begin, end,
-                             temporary);
+                             temporary, cancel);
 }
 
 }  // namespace orv

@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     if (!sound || (sound->MoSt != 1 && sound->MoSt != 2)) fail("bad sound");
-    if (sound->Freq <= 0) fail("frequency");
+    if (sound->Freq < 1 || sound->Freq > 1000000) fail("unusable frequency accepted");
     const Wave* left = sound->GetLeftWave();
     const Wave* right = sound->GetRightWave();
     if (!left || !right || left->getValues() != right->getValues() ||

@@ -43,6 +43,13 @@ protected:
         const auto& m = rec.recorder.messages;
         return m.empty() ? "(none)" : m.back().caption + ": " + m.back().text;
     }
+    // Every message as the program prints it; a detail line has no caption.
+    Args messages() const {
+        Args all;
+        for (const auto& m : rec.recorder.messages)
+            all.push_back(m.caption.empty() ? m.text : m.caption + ": " + m.text);
+        return all;
+    }
 
     test::TempDir tmp;
     std::ostringstream out;
@@ -77,11 +84,16 @@ TEST(ScriptParse, MistakesAreFoundBeforeAnythingRuns) {
         {{"new", "44100", "16"}, "new needs a frequency, the bits and the channels."},
         {{"new", "44100", "12", "1"}, "new needs 8 or 16 bits, not \"12\"."},
         {{"new", "44100", "16", "3"}, "new needs 1 or 2 channels, not \"3\"."},
-        {{"new", "0", "16", "1"}, "new needs a frequency in samples per second, not \"0\"."},
+        {{"new", "0", "16", "1"}, "new needs a frequency of 1 to 1000000 samples per second, not \"0\"."},
+        {{"new", "1000001", "16", "1"},
+         "new needs a frequency of 1 to 1000000 samples per second, not \"1000001\"."},
         {{"select", "1", "2 Hz"},
-         "Not a position: \"2 Hz\" (a sample index, or a time in s or ms)."},
+         "Not a position: \"2 Hz\" (a sample index, a time in s or ms, or end)."},
         {{"dump", "5", "info"}, "dump needs two positions or none."},
-        {{"Volumen"}, "Unknown step \"Volumen\"."},
+        {{"Volumen"}, "Unknown step \"Volumen\". Did you mean \"Volume\"?"},
+        {{"exprot", "x.wav"}, "Unknown step \"exprot\". Did you mean \"export\"?"},
+        {{"filterres"}, "Unknown step \"filterres\". Did you mean \"FilterRes\"?"},
+        {{"Frobnicate"}, "Unknown step \"Frobnicate\"."},
         {{"open", "a.wav", "Volume Factor=3"},
          "The field \"Volume Factor=3\" does not follow an action."},
         {{"FilePlay"}, "FilePlay needs the desktop program."},
@@ -101,13 +113,14 @@ TEST(ScriptParse, PositionsAreSampleIndicesOrTimes) {
         std::int64_t sample;
     } cases[] = {{"22050", 44100, 22050}, {"0.5s", 44100, 22050},
                  {"1,5 s", 44100, 66150},  // the decimal comma of the value language
-                 {"20ms", 44100, 882},    {"1/3 s", 8000, 2666}};  // trunc(8000 / 3)
+                 {"20ms", 44100, 882},    {"1/3 s", 8000, 2666},  // trunc(8000 / 3)
+                 {"end", 8000, 12345}, {" end ", 8000, 12345}};
     PositionText p;
     for (const auto& c : cases) {
         ASSERT_TRUE(readPosition(c.text, p)) << c.text;
-        EXPECT_EQ(positionSample(p, c.freq), c.sample) << c.text;
+        EXPECT_EQ(positionSample(p, c.freq, 12345), c.sample) << c.text;
     }
-    for (const char* bad : {"", "-4", "12.5", "3 Hz", "1 kHz", "2 s x", "s"})
+    for (const char* bad : {"", "-4", "12.5", "3 Hz", "1 kHz", "2 s x", "s", "End", "ends"})
         EXPECT_FALSE(readPosition(bad, p)) << bad;
 }
 
@@ -185,7 +198,9 @@ TEST_F(RunnerTest, AFailedSaveKeepsTheOldFileAndStopsTheScript) {
                             "save", file("later.wav")});
     setFileOps(previous);
     EXPECT_EQ(status, kExitFile);
-    EXPECT_EQ(last(), "Save Error: Cannot save the wave.");
+    // The message, then the file and the system's reason on a line of their own.
+    EXPECT_EQ(messages(), (Args{"Save Error: Cannot save the wave.",
+                                "\"" + file("out.wav") + "\": Permission denied."}));
     EXPECT_EQ(test::slurp(file("out.wav")), before);
     EXPECT_EQ(out.str(), "");
     EXPECT_FALSE(fs::exists(file("later.wav")));
@@ -207,10 +222,10 @@ TEST_F(RunnerTest, ExportAndImportRoundTrip) {
         Args script = {"open", file("s.wav"), "export"};
         script.insert(script.end(), exp.begin(), exp.end());
         EXPECT_EQ(run(script), kExitOk) << last();
-        // An imported wave is a changed 16-bit wave.
+        // An imported wave is a new 16-bit wave: it has no file of its own yet.
         EXPECT_EQ(run({"import", exp[0], "dump", "info"}), kExitOk) << last();
         EXPECT_EQ(out.str(), "32767\t-32768\n1\t-1\n0\t12345\n"
-                             "0.00027 s\t11.100 kHz\t16\tST\t12 b\tChanged\t\n")
+                             "0.00027 s\t11.100 kHz\t16\tST\t12 b\tNew\t\n")
             << exp[0];
     }
 }
@@ -260,4 +275,169 @@ TEST_F(RunnerTest, AnInterruptedOperationLeavesTheWaveAndStopsTheScript) {
     EXPECT_TRUE(runner.workspace().undo());
     EXPECT_EQ((*unit.getSound()->GetLeftWave())[2], 30);
     EXPECT_TRUE(rec.recorder.messages.empty()) << last();
+}
+
+// ---- imported waves, the resonator's limits, command-line conveniences ---------------------
+
+TEST_F(RunnerTest, AnImportNeverOverwritesItsSource) {
+    test::writeBytes(file("orig24.wav"), test::wavBytes(1, 1, 8000, 24, {0x12, 0x34, 0x56, 0x9A, 0xBC, 0xDE}));
+    const test::Bytes original = test::readBytes(file("orig24.wav"));
+    const std::string refusal = "Save Error: This wave was imported from \"" + file("orig24.wav") +
+                                "\"; saving it over that file would replace the original. Save it "
+                                "under another name.";
+    const struct {
+        Args script;
+        int status;
+        std::string message;
+    } cases[] = {
+        {{"save", file("orig24.wav")}, kExitFile, refusal},
+        {{"FileSaveAs", "File=" + file("orig24.wav")}, kExitFile, refusal},
+        {{"FileSave", "File=" + file("orig24.wav")}, kExitFile, refusal},
+        // Like a wave never saved, it has no file of its own to save to.
+        {{"FileSave"}, kExitUsage, "Usage Error: FileSave needs the field File."},
+        {{"Duplicate", "save", file("orig24.wav")}, kExitFile, refusal},
+        {{"export", file("orig24.wav"), "wav24"}, kExitFile,
+         "File Error: Cannot export the file: \"" + file("orig24.wav") + "\", This wave was imported from \"" +
+             file("orig24.wav") + "\"; saving it over that file would replace the original. Save it "
+                                  "under another name."},
+        // Saved elsewhere first, it still may not go back over the original.
+        {{"save", file("copy.wav"), "Reverse", "FileSave", "FileSaveAs", "File=" + file("orig24.wav")},
+         kExitFile, refusal},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.message);
+        rec.recorder.messages.clear();
+        Args script = {"import", file("orig24.wav")};
+        script.insert(script.end(), c.script.begin(), c.script.end());
+        EXPECT_EQ(run(script), c.status);
+        EXPECT_EQ(messages(), Args{c.message});
+        EXPECT_EQ(test::readBytes(file("orig24.wav")), original);
+    }
+    // A plain 16-bit file holds exactly what was imported: saving over it loses nothing.
+    wav("plain.wav", 8000, 1, {1, -2, 3});
+    EXPECT_EQ(run({"import", file("plain.wav"), "Reverse", "save", file("plain.wav")}), kExitOk) << last();
+    EXPECT_EQ(run({"open", file("plain.wav"), "dump"}), kExitOk);
+    EXPECT_EQ(out.str(), "3\n-2\n1\n");
+}
+
+TEST_F(RunnerTest, ResonatorRefusesWhatTheWaveCannotCarry) {
+    wav("m.wav", 44100, 1, {100, -200, 300});
+    wav("slow.wav", 1, 1, {100, -200, 300});
+    const struct {
+        Args script;
+        int status;
+        std::string message;
+    } cases[] = {
+        {{"open", file("m.wav"), "FilterRes", "Frequency Constant=50 kHz"}, kExitUsage,
+         "Input Error: In Frequency Constant: Frequency is too high. (maximum: 44100 Hz, the sample "
+         "frequency of the wave)"},
+        {{"open", file("m.wav"), "FilterNotch", "Frequency Constant=44101 Hz"}, kExitUsage,
+         "Input Error: In Frequency Constant: Frequency is too high. (maximum: 44100 Hz, the sample "
+         "frequency of the wave)"},
+        // One sample per period is the limit the filter itself has.
+        {{"open", file("m.wav"), "FilterNotch", "Frequency Constant=44100 Hz"}, kExitOk, ""},
+        // The default 1 kHz is too high for a wave of 1 Hz; an envelope is not limited.
+        {{"open", file("slow.wav"), "FilterRes"}, kExitUsage,
+         "Input Error: In Frequency Constant: Frequency is too high. (maximum: 1 Hz, the sample "
+         "frequency of the wave)"},
+        {{"open", file("slow.wav"), "name", "e", "FilterRes", "Frequency=Envelope", "Frequency Envelope=e"},
+         kExitOk, ""},
+        {{"open", file("m.wav"), "FilterRes", "Width Constant=1.5"}, kExitUsage,
+         "Input Error: In Width Constant: Value must be no more than 1."},
+        {{"open", file("m.wav"), "FilterRes", "Width Constant=1"}, kExitOk, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.script.back());
+        rec.recorder.messages.clear();
+        Args script = c.script;
+        script.push_back("dump");
+        EXPECT_EQ(run(script), c.status);
+        EXPECT_EQ(messages(), c.message.empty() ? Args{} : Args{c.message});
+        if (c.status != kExitOk) {
+            EXPECT_EQ(out.str(), "");  // nothing ran after the refusal
+        }
+    }
+}
+
+TEST_F(RunnerTest, UnknownFieldsGetASuggestionAndTheList) {
+    wav("m.wav", 8000, 1, {1});
+    EXPECT_EQ(run({"open", file("m.wav"), "Volume", "Volume Facter=2"}), kExitUsage);
+    EXPECT_EQ(last(), "Usage Error: There is no field \"Volume Facter\" in \"Change Volume\". Did you "
+                      "mean \"Volume Factor\"? Its fields: Volume Factor, Envelope, Constant.");
+    EXPECT_EQ(run({"open", file("m.wav"), "Volume", "Loudness=3"}), kExitUsage);
+    EXPECT_EQ(last(), "Usage Error: There is no field \"Loudness\" in \"Change Volume\". Its fields: "
+                      "Volume Factor, Envelope, Constant.");
+    EXPECT_EQ(run({"help", "Volumen"}), kExitUsage);
+    EXPECT_EQ(last(), "Usage Error: Unknown action \"Volumen\". Did you mean \"Volume\"?");
+}
+
+TEST_F(RunnerTest, EndIsAPosition) {
+    wav("m.wav", 4, 1, {1, 2, 3, 4, 5, 6});
+    // 1 s at 4 Hz is sample 4.
+    EXPECT_EQ(run({"open", file("m.wav"), "select", "1s", "end", "EditCut", "dump", "cursor", "end",
+                   "EditPaste", "dump", "3", "end"}),
+              kExitOk)
+        << last();
+    EXPECT_EQ(out.str(), "1\n2\n3\n4\n" "4\n5\n6\n");
+}
+
+// Ctrl-C during a save: either the old file stays and the status is 130, or the new file is
+// in place and the script counts it as done.
+TEST_F(RunnerTest, InterruptedSaveIsEitherUndoneOrDone) {
+    wav("in.wav", 8000, 1, {1, 2, 3});
+    wav("out.wav", 8000, 1, {9, 9});
+    const std::string before = test::slurp(file("out.wav"));
+    static ScriptRunner* running = nullptr;
+    const auto runWith = [&](FileOps ops, const Args& args) {
+        std::vector<Step> steps;
+        EXPECT_FALSE(parseScript(args, steps));
+        ScriptRunner runner(out);
+        running = &runner;
+        const FileOps previous = setFileOps(ops);
+        const int status = runner.run(steps);
+        setFileOps(previous);
+        return status;
+    };
+    // While the samples are written: nothing replaced.
+    FileOps during = systemFileOps();
+    during.write = [](int fd, const void* data, std::size_t bytes) {
+        running->interrupt();
+        return ::write(fd, data, bytes);
+    };
+    EXPECT_EQ(runWith(during, {"open", file("in.wav"), "Reverse", "save", file("out.wav")}), kExitInterrupted);
+    EXPECT_EQ(test::slurp(file("out.wav")), before);
+    EXPECT_EQ(messages().back(), "\"" + file("out.wav") + "\": The save was interrupted; the file was not replaced.");
+    // Just after the rename: the save is done; the script stops before any later step.
+    FileOps after = systemFileOps();
+    after.rename = [](const char* from, const char* to) {
+        const int r = ::rename(from, to);
+        running->interrupt();
+        return r;
+    };
+    EXPECT_EQ(runWith(after, {"open", file("in.wav"), "Reverse", "save", file("out.wav")}), kExitOk);
+    EXPECT_NE(test::slurp(file("out.wav")), before);
+    EXPECT_EQ(runWith(after, {"open", file("in.wav"), "save", file("out.wav"), "save", file("later.wav")}),
+              kExitInterrupted);
+    EXPECT_FALSE(fs::exists(file("later.wav")));
+}
+
+TEST_F(RunnerTest, EveryActionHelpListsRunsHere) {
+    wav("m.wav", 8000, 1, {1, 2, 3});
+    EXPECT_EQ(run({"help"}), kExitOk);
+    const std::string text = out.str();
+    const auto from = text.find("Actions:\n"), to = text.find("\nExport formats:");
+    ASSERT_NE(from, std::string::npos);
+    std::istringstream lines(text.substr(from + 9, to - from - 9));
+    std::string line;
+    int listed = 0;
+    while (std::getline(lines, line)) {
+        std::istringstream words(line);
+        std::string action;
+        words >> action;
+        std::vector<Step> steps;
+        const auto error = parseScript({"open", file("m.wav"), action}, steps);
+        EXPECT_FALSE(error) << action << ": " << error->text;
+        ++listed;
+    }
+    EXPECT_GT(listed, 40);
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -125,15 +126,16 @@ TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
         {{"open", m, "Volume", "Volume Factor=Envelope", "Envelope=nobody", "info"}, 2,
          "Input Error: In Volume Factor: You have to select a Wave"},
         {{"open", m, "Volume", "Loudness=3", "info"}, 2,
-         "Usage Error: There is no field \"Loudness\" in \"Change Volume\"."},
-        {{"open", m, "EditTrim", "info"}, 2, "Usage Error: EditTrim is not available now."},
-        {{"open", st, "Balance", "save", out}, 2, "Usage Error: Balance is not available now."},
+         "Usage Error: There is no field \"Loudness\" in \"Change Volume\". Its fields: Volume Factor, "
+         "Envelope, Constant."},
+        {{"open", m, "EditTrim", "info"}, 2, "Usage Error: EditTrim is not available now: nothing is selected."},
+        {{"open", st, "Balance", "save", out}, 2, "Usage Error: Balance is not available now: the wave is stereo."},
         {{"open", m, "name", "a", "open", m, "name", "a", "info"}, 2,
          "Error: A wave with name \"a\" already exists."},
         {{"use", "ghost"}, 2, "Usage Error: There is no wave named \"ghost\"."},
         {{"dump"}, 2, "Usage Error: dump needs an open wave."},
         {{"new", "8000", "16", "1", "save", out}, 2, "Usage Error: An empty wave cannot be saved."},
-        {{"help", "Volumen"}, 2, "Usage Error: Unknown action \"Volumen\"."},
+        {{"help", "Volumen"}, 2, "Usage Error: Unknown action \"Volumen\". Did you mean \"Volume\"?"},
         {{"new", "8000", "16", "1", "info", "open"}, 2, "Usage Error: open needs a file name."},
         {{}, 2, "Usage: orvasto-cli STEP [STEP ...]; orvasto-cli help lists the steps."},
         {{"open", file("bad.wav"), "info"}, 1,
@@ -142,13 +144,14 @@ TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
          "File Error: Cannot read the file: \"" + file("none.wav") + "\", Cannot open File."},
         {{"import", file("junk.flac"), "info"}, 1,
          "File Error: Cannot import the file: \"" + file("junk.flac") +
-             "\", Format not recognised."},
+             "\", The file is not a sound file of a kind that can be imported. (libsndfile: Format not "
+             "recognised.)"},
         {{"open", m, "export", file("x.xyz"), "info"}, 1,
          "File Error: Cannot export the file: \"" + file("x.xyz") +
              "\", Cannot tell the export format from the file name; give one of wav16, wav24, "
              "float, flac, ogg."},
         {{"open", m, "save", file("missing/out.wav"), "save", out}, 1,
-         "Save Error: Cannot save the wave."},
+         "Save Error: Cannot save the wave.\n\"" + file("missing/out.wav") + "\": No such file or directory."},
     };
     for (const auto& c : cases) {
         const Outcome o = run(c.args);
@@ -187,4 +190,110 @@ TEST_F(Scenario, CtrlCStopsALongOperationAndSavesNothing) {
     const Outcome o = finish(pid);
     EXPECT_EQ(o.status, 130) << o.err;
     EXPECT_FALSE(fs::exists(file("noise.wav")));
+}
+
+TEST_F(Scenario, HelpAndVersionTheWayShellsExpect) {
+    for (const char* flag : {"--help", "-h"}) {
+        const Outcome o = run({flag});
+        EXPECT_EQ(o.status, 0) << flag;
+        EXPECT_EQ(o.out.rfind("Usage: orvasto-cli STEP [STEP ...]\n", 0), 0u) << flag;
+        EXPECT_EQ(o.err, "");
+    }
+    const Outcome v = run({"--version"});
+    EXPECT_EQ(v.status, 0);
+    EXPECT_EQ(v.out, "orvasto-cli 0.1.0\n");
+}
+
+// Hostile and damaged files: a clear message, status 1, nothing written, nothing changed.
+TEST_F(Scenario, HostileFilesAreRefusedWithClearMessages) {
+    using orv::test::Bytes;
+    using orv::test::wavBytes;
+    const Bytes samples(2000, 0x11);
+    orv::test::writeBytes(file("0hz.wav"), wavBytes(1, 1, 0, 16, samples));
+    orv::test::writeBytes(file("4ghz.wav"), wavBytes(1, 1, 4000000000u, 16, samples));
+    orv::test::writeBytes(file("24.wav"), wavBytes(1, 2, 48000, 24, Bytes(12, 0x40)));
+    Bytes mp3 = {0xFF, 0xFB, 0x90, 0x00};
+    mp3.resize(400, 0x55);
+    orv::test::writeBytes(file("bad.mp3"), mp3);
+    ASSERT_EQ(::mkfifo(file("pipe.wav").c_str(), 0600), 0);
+    const Bytes original = orv::test::readBytes(file("24.wav"));
+    const std::string frequency = "The sample frequency 0 Hz is not usable; a wave needs 1 to 1000000 Hz.";
+    const struct {
+        Args args;
+        std::string err;
+    } cases[] = {
+        {{"open", file("0hz.wav"), "FilterLow", "save", file("out.wav")},
+         "File Error: Cannot read the file: \"" + file("0hz.wav") + "\", " + frequency},
+        {{"import", file("0hz.wav"), "save", file("out.wav")},
+         "File Error: Cannot import the file: \"" + file("0hz.wav") + "\", " + frequency},
+        {{"open", file("4ghz.wav"), "RndEcho", "save", file("out.wav")},
+         "File Error: Cannot read the file: \"" + file("4ghz.wav") +
+             "\", The sample frequency 4000000000 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+        {{"import", file("pipe.wav"), "save", file("out.wav")},
+         "File Error: Cannot import the file: \"" + file("pipe.wav") +
+             "\", This is not a plain file (a pipe or a device); only files can be imported."},
+        // No codec chatter on stderr: our message is all there is.
+        {{"import", file("bad.mp3"), "save", file("out.wav")},
+         "File Error: Cannot import the file: \"" + file("bad.mp3") +
+             "\", The file is damaged, or uses a form of its format that cannot be read. (libsndfile: "
+             "File does not exist or is not a regular file (possibly a pipe?).)"},
+        {{"import", file("24.wav"), "save", file("24.wav")},
+         "Save Error: This wave was imported from \"" + file("24.wav") +
+             "\"; saving it over that file would replace the original. Save it under another name."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args[1]);
+        const Outcome o = run(c.args);
+        EXPECT_EQ(o.status, 1);
+        EXPECT_EQ(o.err, c.err + "\n");
+        EXPECT_FALSE(fs::exists(file("out.wav")));
+    }
+    EXPECT_EQ(orv::test::readBytes(file("24.wav")), original);
+}
+
+// A file that claims far more than it holds, and a streamed one that claims 0xFFFFFFFF, open
+// with exactly the samples they hold, at once.
+TEST_F(Scenario, DataSizesLargerThanTheFileGiveWhatIsThere) {
+    orv::test::Bytes huge = orv::test::wavBytes(1, 1, 8000, 16, {});
+    huge[40] = 0xF0, huge[41] = 0xFF, huge[42] = 0xFF, huge[43] = 0x7F;  // 2 GB
+    orv::test::writeBytes(file("huge.wav"), huge);
+    orv::test::Bytes streamed = orv::test::wavBytes(1, 2, 8000, 16, orv::test::le16({1, -1, 2, -2, 3}));
+    for (int i = 40; i < 44; ++i) streamed[i] = 0xFF;
+    orv::test::writeBytes(file("streamed.wav"), streamed);
+    const Outcome o = run({"open", file("huge.wav"), "info", "open", file("streamed.wav"), "dump"});
+    EXPECT_EQ(o.status, 0) << o.err;
+    EXPECT_EQ(o.out, "0.00000 s\t8.100 kHz\t16\tMO\t0 b\t\t\n1\t-1\n2\t-2\n");
+    EXPECT_EQ(o.err, "");
+}
+
+// kill -9 at random moments of a save: the folder holds the old file or the new one,
+// complete, and nothing else.
+TEST_F(Scenario, KilledSavesLeaveNothingBehind) {
+    fs::create_directory(file("target"));
+    const std::string target = file("target/song.wav");
+    // 7 MB: long enough to write that many kills land in the middle of it.
+    const Outcome made = run({"new", "44100", "16", "2", "MakeNoise", "Length=40 s", "save", file("big.wav")});
+    ASSERT_EQ(made.status, 0) << made.err;
+    wav("target/song.wav", 8000, 1, {1, 2, 3});
+    const auto oldBytes = orv::test::readBytes(target);
+    const auto newBytes = orv::test::readBytes(file("big.wav"));
+    std::uint32_t seed = 12345;
+    int completed = 0;
+    for (int i = 0; i < 24; ++i) {
+        orv::test::writeBytes(target, oldBytes);
+        const pid_t pid = start({"open", file("big.wav"), "save", target});
+        seed = seed * 1664525u + 1013904223u;
+        std::this_thread::sleep_for(std::chrono::milliseconds(30 + (seed >> 8) % 250));
+        ::kill(pid, SIGKILL);
+        finish(pid);
+        std::vector<std::string> names;
+        for (const auto& e : fs::directory_iterator(file("target"))) names.push_back(e.path().filename());
+        ASSERT_EQ(names, std::vector<std::string>{"song.wav"}) << "kill " << i;
+        const auto bytes = orv::test::readBytes(target);
+        if (bytes == newBytes)
+            ++completed;
+        else
+            EXPECT_EQ(bytes, oldBytes) << "kill " << i;
+    }
+    std::printf("kill -9 during save: %d of 24 runs had replaced the file\n", completed);
 }

@@ -2,6 +2,7 @@
 // or rename, a folder that takes no new files. A good save keeps permissions and links.
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -136,17 +137,94 @@ TEST_F(SafeSave, GoodSaveReplacesKeepsModeAndFollowsLinks) {
 }
 
 TEST_F(SafeSave, WriterStaysFailedAfterAWriteFails) {
-    SafeFileWriter w;
-    ASSERT_TRUE(w.open(path));
-    const std::string temp = w.temporaryPath();
-    EXPECT_TRUE(fs::exists(temp));
-    Faults::budget = 3;
-    EXPECT_FALSE(w.write("abcdef", 6));
-    Faults::budget = -1;
-    EXPECT_FALSE(w.write("x", 1));
-    EXPECT_FALSE(w.commit());
-    EXPECT_FALSE(fs::exists(temp));
+    for (bool unnamed : {true, false}) {
+        SCOPED_TRACE(unnamed);
+        FileOps ops = systemFileOps();
+        ops.write = Faults::write;
+        ops.unnamedTemporaries = unnamed;
+        setFileOps(ops);
+        SafeFileWriter w;
+        ASSERT_TRUE(w.open(path));
+        // The unnamed temporary is nowhere in the folder; the fallback's is hidden beside it.
+        const std::string temp = w.temporaryPath();
+        EXPECT_EQ(temp.empty(), unnamed);
+        if (!unnamed) {
+            EXPECT_TRUE(fs::exists(temp));
+        }
+        Faults::budget = 3;
+        EXPECT_FALSE(w.write("abcdef", 6));
+        Faults::budget = -1;
+        EXPECT_FALSE(w.write("x", 1));
+        EXPECT_FALSE(w.commit());
+        EXPECT_EQ(w.failureReason(), "No space left on device.");
+        expectOldFileAlone();
+    }
+}
+
+// Every failure says why, in the system's words, for the file that was asked for.
+TEST_F(SafeSave, FailuresNoteTheSystemsReason) {
+    const struct {
+        std::string target;
+        bool* fault;
+        long budget;
+        const char* reason;
+    } cases[] = {
+        {dir / "no/such/x.wav", nullptr, -1, "No such file or directory."},
+        {dir.path(), nullptr, -1, "Is a directory."},
+        {path, nullptr, 100, "No space left on device."},
+        {path, &Faults::failReserve, -1, "No space left on device."},
+        {path, &Faults::failFsync, -1, "Input/output error."},
+        {path, &Faults::failRename, -1, "Invalid cross-device link."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.reason);
+        if (c.fault) *c.fault = true;
+        Faults::budget = c.budget;
+        clearWriteFailure();
+        EXPECT_FALSE(writeWaveChannels(c.target, wave.get(), nullptr, 8000, 2, 0, 1000, false));
+        if (c.fault) *c.fault = false;
+        Faults::budget = -1;
+        EXPECT_EQ(lastWriteFailure().file, c.target);
+        EXPECT_EQ(lastWriteFailure().reason, c.reason);
+    }
     expectOldFileAlone();
+    EXPECT_TRUE(save());
+    EXPECT_EQ(lastWriteFailure().reason, "");  // a good save clears it
+}
+
+// A cancel flag raised before the end stops the save; the old file stays.
+TEST_F(SafeSave, CancelledSaveLeavesTheOldFile) {
+    CancelFlag cancel{1};
+    EXPECT_FALSE(writeWaveChannels(path, wave.get(), wave.get(), 44100, 2, 0, 5000, false, &cancel));
+    EXPECT_EQ(lastWriteFailure().reason, "The save was interrupted; the file was not replaced.");
+    expectOldFileAlone();
+    cancel.store(0);
+    EXPECT_TRUE(writeWaveChannels(path, wave.get(), wave.get(), 44100, 2, 0, 5000, false, &cancel));
+    EXPECT_EQ(fs::file_size(path), 44u + 20000u);
+}
+
+// A named temporary is removed by the next save into its folder once its process is gone;
+// one of a running process, and files that only look similar, stay.
+TEST_F(SafeSave, NextSaveRemovesTemporariesOfDeadProcesses) {
+    const pid_t child = ::fork();
+    if (child == 0) std::_Exit(0);
+    ASSERT_GT(child, 0);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);  // a process number that is gone now
+    const std::string dead = temporaryName(path, child, 7);
+    const std::string alive = temporaryName(path, ::getppid(), 7);
+    EXPECT_EQ(dead, ".song.wav.orvasto-" + std::to_string(child) + "-7.tmp");
+    const std::vector<std::string> keep = {alive, ".song.wav.orvasto-x-7.tmp", "song.wav.orvasto-1-1.tmp",
+                                           ".notes." + std::to_string(child) + ".1.tmp"};
+    writeBytes(dir / dead, {1, 2, 3});
+    for (const std::string& name : keep) writeBytes(dir / name, {4});
+    FileOps ops = systemFileOps();
+    ops.unnamedTemporaries = false;  // the fallback does the cleaning as well
+    setFileOps(ops);
+    ASSERT_TRUE(save());
+    EXPECT_FALSE(fs::exists(dir / dead));
+    for (const std::string& name : keep) EXPECT_TRUE(fs::exists(dir / name)) << name;
+    EXPECT_EQ(fs::file_size(path), 44u + 20000u);
 }
 
 }  // namespace

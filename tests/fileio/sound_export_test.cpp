@@ -200,7 +200,8 @@ TEST_F(ExportTest, FailedRenameLeavesTheOldFile) {
     FileOps ops = systemFileOps();
     ops.rename = [](const char*, const char*) { return errno = EXDEV, -1; };
     const FileOps previous = setFileOps(ops);
-    expectFailureOverOldFile("wav16", noise(3000, 44100), "Cannot finish writing the file.");
+    expectFailureOverOldFile("wav16", noise(3000, 44100),
+                             "Cannot finish writing the file: Invalid cross-device link.");
     setFileOps(previous);
 }
 

@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "fileio/sound_export.h"
@@ -104,12 +108,64 @@ TEST_F(ImportTest, RefusalsWordForWord) {
               "Cannot import the file: \"six.wav\", The file has 6 channels; only mono and "
               "stereo files can be imported.");
 
-    EXPECT_FALSE(importSoundFile(tmp / "missing.flac", sound, reason));
-    EXPECT_EQ(reason, "System error : No such file or directory.");
+    // Nobody writes to the pipe: a blocking open would wait forever.
+    const std::string pipe = tmp / "pipe.flac";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    Bytes mp3 = {0xFF, 0xFB, 0x90, 0x00};
+    mp3.resize(400, 0x55);
+    const struct {
+        std::string file;
+        std::string reason;
+    } cases[] = {
+        {tmp / "missing.flac", "The file does not exist."},
+        {tmp.path(), "This is a folder, not a sound file."},
+        {pipe, "This is not a plain file (a pipe or a device); only files can be imported."},
+        {file("empty.wav", {}), "The file is empty."},
+        {file("junk.flac", Bytes(300, 0x5A)),
+         "The file is not a sound file of a kind that can be imported. (libsndfile: Format not "
+         "recognised.)"},
+        // libsndfile says "File does not exist or is not a regular file (possibly a pipe?)."
+        {file("bad.mp3", mp3),
+         "The file is damaged, or uses a form of its format that cannot be read. (libsndfile: "
+         "File does not exist or is not a regular file (possibly a pipe?).)"},
+        // Not "Internal error : SF_INFO struct incomplete."
+        {file("0hz.wav", wavBytes(1, 1, 0, 16, Bytes(8, 1))),
+         "The sample frequency 0 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+        {file("4ghz.wav", wavBytes(1, 2, 4000000000u, 16, Bytes(8, 1))),
+         "The sample frequency 4000000000 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+        {file("2mhz.wav", wavBytes(1, 1, 2000000, 16, Bytes(8, 1))),
+         "The sample frequency 2000000 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        EXPECT_FALSE(importSoundFile(c.file, sound, reason));
+        EXPECT_EQ(reason, c.reason);
+        EXPECT_FALSE(sound);
+    }
+    ASSERT_TRUE(import(wavBytes(1, 1, 1000000, 16, le16({3})))) << reason;
+    EXPECT_EQ(sound->Freq, 1000000);
+}
 
-    EXPECT_FALSE(importSoundFile(file("junk.flac", Bytes(300, 0x5A)), sound, reason));
-    EXPECT_EQ(reason, "Format not recognised.");
-    EXPECT_FALSE(sound);
+// mpg123 warns on stderr about a damaged MP3; under QuietStderr nothing reaches it, and
+// stderr works again afterwards.
+TEST_F(ImportTest, QuietStderrSilencesCodecChatter) {
+    Bytes mp3 = {0xFF, 0xFB, 0x90, 0x00};
+    mp3.resize(400, 0x55);
+    const std::string bad = file("bad.mp3", mp3), log = tmp / "stderr.txt";
+    const int saved = ::dup(2);
+    const int capture = ::open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    ASSERT_GE(capture, 0);
+    ::dup2(capture, 2);
+    ::close(capture);
+    {
+        QuietStderr quiet;
+        EXPECT_FALSE(importSoundFile(bad, sound, reason));
+        EXPECT_EQ(::write(2, "hidden\n", 7), 7);
+    }
+    EXPECT_EQ(::write(2, "shown\n", 6), 6);
+    ::dup2(saved, 2);
+    ::close(saved);
+    EXPECT_EQ(slurp(log), "shown\n");
 }
 
 // Found by the fuzzer: a "LIST" chunk with damaged inner sizes kept the decoder busy for
@@ -123,7 +179,8 @@ TEST_F(ImportTest, DamagedListChunkIsRefusedAtOnce) {
     for (std::size_t i = 0; i < hex.size(); i += 2)
         bytes.push_back(std::uint8_t(std::stoi(hex.substr(i, 2), nullptr, 16)));
     EXPECT_FALSE(import(bytes));
-    EXPECT_EQ(reason, "Error in WAV file. No 'data' chunk marker.");
+    EXPECT_EQ(reason, "The file is damaged, or uses a form of its format that cannot be read. "
+                      "(libsndfile: Error in WAV file. No 'data' chunk marker.)");
 }
 
 TEST_F(ImportTest, ShortOrEmptyDataGivesTheSamplesThatAreThere) {
@@ -196,7 +253,8 @@ TEST_F(ImportTest, TruncatedFlacIsRefusedNeverInvented) {
     bytes.resize(bytes.size() / 2);
     // The decoder notices the cut inside a frame: the file is refused with its text.
     EXPECT_FALSE(importSoundFile(file("half.flac", bytes), sound, reason));
-    EXPECT_EQ(reason, "Error : flac decoder lost sync.");
+    EXPECT_EQ(reason, "The file is damaged: its samples cannot all be decoded. (libsndfile: "
+                      "Error : flac decoder lost sync.)");
     EXPECT_FALSE(sound);
 }
 

@@ -100,8 +100,8 @@ TEST_F(WavRead, RefusalsGiveTheirMessagesWordForWord) {
     }
 }
 
-// The samples each layout gives, short files (silence for what is missing, also for a
-// sample only partly there) and odd data sizes (whole frames only).
+// The samples each layout gives, short files (only the whole frames that are there) and
+// odd data sizes (whole frames only).
 TEST_F(WavRead, LayoutsWidthsAndShortFiles) {
     const Bytes fact = {'f', 'a', 'c', 't', 99, 0, 0, 0, 2, 0, 0, 0};  // its size is not trusted
     const struct { const char* what; FileSpec spec; int width; V left, right; } cases[] = {
@@ -118,12 +118,15 @@ TEST_F(WavRead, LayoutsWidthsAndShortFiles) {
         {"stereo 6 bytes", {.channels = 2, .dataSize = 6, .data = le16({11, 22, 33})}, 2, {11}, {22}},
         {"stereo 3 bytes", {.channels = 2, .dataSize = 3, .data = le16({11, 22})}, 2, {}, {}},
         {"mono 5 bytes", {.dataSize = 5, .data = le16({-1, -2, -3})}, 2, {-1, -2}, {}},
-        {"mono short", {.dataSize = 20, .data = {5, 0, 0xFA, 0xFF, 7, 0, 0x7F}}, 2, {5, -6, 7, 0, 0, 0, 0, 0, 0, 0}, {}},
+        // Fewer bytes than the chunk claims: what is there, to the last whole frame.
+        {"mono short", {.dataSize = 20, .data = {5, 0, 0xFA, 0xFF, 7, 0, 0x7F}}, 2, {5, -6, 7}, {}},
         {"stereo short", {.channels = 2, .dataSize = 16, .data = {1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 0x11}}, 2,
-         {1, 3, 5, 0}, {2, 4, 0, 0}},
-        {"8-bit stereo short", {.channels = 2, .bits = 8, .dataSize = 8, .data = {255, 0, 129}}, 1,
-         {32512, 256, 0, 0}, {-32768, 0, 0, 0}},
-        {"8-bit, nothing after the size", {.bits = 8, .dataSize = 6}, 1, {0, 0, 0, 0, 0, 0}, {}},
+         {1, 3}, {2, 4}},
+        {"8-bit stereo short", {.channels = 2, .bits = 8, .dataSize = 8, .data = {255, 0, 129}}, 1, {32512}, {-32768}},
+        {"8-bit, nothing after the size", {.bits = 8, .dataSize = 6}, 1, {}, {}},
+        {"streamed: size 0xFFFFFFFF", {.channels = 2, .dataSize = 0xFFFFFFFFu, .data = le16({1, 2, 3, 4, 5, 6})}, 2,
+         {1, 3, 5}, {2, 4, 6}},
+        {"size past 2 GB", {.dataSize = 0x80000000u, .data = le16({-7, 8})}, 2, {-7, 8}, {}},
         {"empty mono", {}, 2, {}, {}},
     };
     for (const auto& c : cases) {
@@ -140,6 +143,28 @@ TEST_F(WavRead, LayoutsWidthsAndShortFiles) {
     }
 }
 
+// Frequencies no sound card has are refused with a message that names them; the two ends of
+// the usable range open.
+TEST_F(WavRead, UnusableSampleFrequenciesAreRefused) {
+    const struct { std::uint32_t freq; const char* message; } refused[] = {
+        {0, "The sample frequency 0 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+        {1000001, "The sample frequency 1000001 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+        {0x80000000u, "The sample frequency 2147483648 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+        {4000000000u, "The sample frequency 4000000000 Hz is not usable; a wave needs 1 to 1000000 Hz."},
+    };
+    for (const auto& c : refused) {
+        SCOPED_TRACE(c.freq);
+        EXPECT_FALSE(read(build({.freq = c.freq, .dataSize = 2, .data = le16({1})})));
+        EXPECT_STREQ(message, c.message);
+        EXPECT_TRUE(isWavFrequencyMessage(message));
+        EXPECT_EQ(out.left, nullptr);
+    }
+    for (std::uint32_t freq : {1u, 1000000u}) {
+        ASSERT_TRUE(read(build({.freq = freq, .dataSize = 2, .data = le16({1})})));
+        EXPECT_EQ(out.freq, std::int32_t(freq));
+    }
+}
+
 struct FailingAllocator {
     static inline int allowed = 0;
     static void* allocate(std::size_t bytes) { return allowed-- <= 0 ? nullptr : std::malloc(bytes); }
@@ -150,14 +175,16 @@ TEST_F(WavRead, StorageFailureShowsTheMemoryMessage) {
     const SampleAllocator previous = setSampleAllocator(FailingAllocator::allocate);
     FailingAllocator::allowed = 1;  // the left channel is made, the right one fails
     EXPECT_FALSE(read(build({.channels = 2, .dataSize = 8, .data = le16({1, 2, 3, 4})})));
+    EXPECT_STREQ(message, "There is not enough memmory for this operation.");
     FailingAllocator::allowed = 0;
     EXPECT_FALSE(read(build({.dataSize = 8, .data = le16({1, 2, 3, 4})})));
-    setSampleAllocator(previous);
-    // A data size past 2 GB is negative when read as signed: no storage can hold it.
-    EXPECT_FALSE(read(build({.dataSize = 0x80000000u})));
-    EXPECT_STREQ(message, "No errors occurred.");
+    EXPECT_STREQ(message, "There is not enough memmory for this operation.");
     EXPECT_EQ(out.left, nullptr);
-    ASSERT_EQ(rec.recorder.messages.size(), 3u);
+    // A 44-byte file that claims 2 GB asks for no storage at all.
+    EXPECT_TRUE(read(build({.dataSize = 0x7FFFFFF0u})));
+    EXPECT_EQ(out.left->getValues(), 0);
+    setSampleAllocator(previous);
+    ASSERT_EQ(rec.recorder.messages.size(), 2u);
     for (const auto& m : rec.recorder.messages) {
         EXPECT_EQ(m.caption, "System Error");
         EXPECT_EQ(m.text, "There is not enough memmory for this operation.");

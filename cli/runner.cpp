@@ -8,7 +8,6 @@
 #include "cli/suggest.h"
 #include "core/platform.h"
 #include "core/wave.h"
-#include "document/filter_frequency_check.h"
 #include "fileio/safe_file_writer.h"
 #include "fileio/sound_export.h"
 #include "fileio/sound_import.h"
@@ -260,17 +259,6 @@ std::optional<int> ScriptRunner::checkAction(const Step& step, const TypedFields
             return usage("There is no field \"" + typed.first + "\" in \"" +
                          std::string(spec.caption) + "\"." + didYouMean(typed.first, captions) +
                          " Its fields: " + list + ".");
-        }
-        if (name == "FilterRes" || name == "FilterNotch") {
-            // The form cannot tell how high a frequency the wave can carry; the filter stops
-            // the program on one it cannot.
-            ResNotchRecord record = name == "FilterRes" ? unit->records().resonant : unit->records().notch;
-            if (!applyTypedFields(record, fields, ws_.formContext())) {
-                if (std::optional<FormError> e = checkResonatorValues(record, unit->getFreq())) {
-                    e->show();
-                    return kExitUsage;
-                }
-            }
         }
     }
     if (name == "FileSave" || name == "FileSaveAs") {

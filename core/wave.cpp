@@ -100,9 +100,15 @@ void Wave::dump() const {
     debugTrace("Wave.wave = " + pointerText(wave) + "\n");
 }
 
-WavePtr newWave(CancelFlag& cancel, std::int32_t count) {
+WavePtr newWave(CancelFlag& cancel, std::int64_t count) {
     if (isCancelled(cancel)) return nullptr;
-    WavePtr w(new (std::nothrow) Wave(cancel, count));
+    // A length no wave can have (a sum that left the 32-bit range) is memory there is not.
+    if (count < 0 || count > INT32_MAX) {
+        showMessage(kSystemError, kNoMemory, MessageIcon::Information);
+        setCancelled(cancel);
+        return nullptr;
+    }
+    WavePtr w(new (std::nothrow) Wave(cancel, std::int32_t(count)));
     if (!w) {
         setCancelled(cancel);
         return nullptr;
@@ -292,7 +298,7 @@ WavePtr Wave::replace(CancelFlag& cancel, const Wave* other, std::int32_t begin,
     debugTrace("Wave::replace A");
     const std::int32_t otherValues = other->values;
     debugTrace("Wave::replace B");
-    WavePtr w = newWave(cancel, values - (end - begin) + otherValues);
+    WavePtr w = newWave(cancel, std::int64_t(values) - (end - begin) + otherValues);
     debugTrace("Wave::replace C");
     if (!w) return nullptr;
     debugTrace("Wave::replace D");
@@ -307,7 +313,7 @@ WavePtr Wave::replace(CancelFlag& cancel, const Wave* other, std::int32_t begin,
 
 WavePtr Wave::append(CancelFlag& cancel, const Wave* other) const {
     if (other == nullptr) return nullptr;
-    WavePtr w = newWave(cancel, values + other->values);
+    WavePtr w = newWave(cancel, std::int64_t(values) + other->values);
     if (!w) return nullptr;
     w->copyFrom(cancel, this, 0, values, 0);
     w->copyFrom(cancel, other, 0, other->values, values);
@@ -319,7 +325,7 @@ WavePtr Wave::insertSilence(CancelFlag& cancel, std::int32_t length, std::int32_
     resolveEnd(end, values);
     checkRangeE(begin, end, values);
     checkWave(length >= 0, "length >= 0");
-    WavePtr w = newWave(cancel, values - (end - begin) + length);
+    WavePtr w = newWave(cancel, std::int64_t(values) - (end - begin) + length);
     if (!w) return nullptr;
     w->copyFrom(cancel, this, 0, begin, 0);
     w->clear(cancel, begin, begin + length);
@@ -351,7 +357,7 @@ WavePtr Wave::mixAt(CancelFlag& cancel, const Wave* other, std::int32_t offset,
     const std::int32_t lead = offset < 0 ? -offset : 0;
     const std::int32_t reach = offset + part.used - values;
     const std::int32_t grow = reach > 0 ? reach : 0;
-    WavePtr w = newWave(cancel, values + lead + grow);
+    WavePtr w = newWave(cancel, std::int64_t(values) + lead + grow);
     if (!w) return nullptr;
     w->clear(cancel, 0, lead);
     w->copyFrom(cancel, this, 0, values, lead);

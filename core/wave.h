@@ -210,9 +210,9 @@ using SampleAllocator = void* (*)(std::size_t bytes);
 // nullptr restores the ordinary allocator. Returns the previous one.
 SampleAllocator setSampleAllocator(SampleAllocator allocator);
 
-// A new sized wave, or nullptr when the flag was already set or storage failed (then the
-// flag is set).
-WavePtr newWave(CancelFlag& cancel, std::int32_t count);
+// A wave of `count` samples, not cleared; nullptr with the memory message and the flag set
+// when there is no memory for it (or the count is no wave's length).
+WavePtr newWave(CancelFlag& cancel, std::int64_t count);
 // A copy (constructor 4), or nullptr when the flag is set, other is null, or it failed.
 WavePtr copyWave(CancelFlag& cancel, const Wave* other);
 

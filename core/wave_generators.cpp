@@ -18,7 +18,7 @@ template <class Fill>
 WavePtr generate(const Wave& self, CancelFlag& cancel, std::int32_t length, std::int32_t begin,
                  std::int32_t& end, Fill&& fill) {
     const std::int32_t values = self.getValues();
-    WavePtr w = newWave(cancel, values - (end - begin) + length);
+    WavePtr w = newWave(cancel, std::int64_t(values) - (end - begin) + length);
     if (!w) return nullptr;
     w->copyFrom(cancel, &self, 0, begin, 0);
     WaveVal* out = w->data();

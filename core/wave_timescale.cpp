@@ -108,7 +108,7 @@ WavePtr Wave::rollIn(CancelFlag& cancel, std::int32_t length, std::int32_t targe
     checkWave(length > 0, "length > 0");
     checkWave(target < length, "target < length");
     checkWave(target >= 0, "target >= 0");
-    WavePtr w = newWave(cancel, values - (end - begin) + length);
+    WavePtr w = newWave(cancel, std::int64_t(values) - (end - begin) + length);
     if (!w) return nullptr;
     w->copyFrom(cancel, this, 0, begin, 0);
     w->clear(cancel, begin, begin + length);

@@ -19,7 +19,7 @@ template <class Fill>
 WavePtr replaceRange(const Wave& self, CancelFlag& cancel, std::int32_t begin,
                      std::int32_t& end, std::int32_t length, Fill&& fill) {
     const std::int32_t values = self.getValues();
-    WavePtr w = newWave(cancel, values - (end - begin) + length);
+    WavePtr w = newWave(cancel, std::int64_t(values) - (end - begin) + length);
     if (!w) return nullptr;
     w->copyFrom(cancel, &self, 0, begin, 0);
     WaveVal* out = w->data();
@@ -136,10 +136,13 @@ WavePtr echoes(const Wave& self, CancelFlag& cancel, std::int32_t count, EchoStr
                std::int32_t& begin, std::int32_t& end, StartEcho&& startEcho, Tap&& tap,
                WholeShift&& wholeShift = WholeShift()) {
     const std::int32_t values = self.getValues();
-    const std::int32_t lead = stretch.newBegin < 0 ? -stretch.newBegin : 0;
-    const std::int32_t grow = stretch.newEnd > values ? stretch.newEnd - values : 0;
-    WavePtr w = newWave(cancel, values + lead + grow);
+    // In 64 bits until the new wave is known to exist: a huge echo is memory there is not.
+    const std::int64_t lead64 = stretch.newBegin < 0 ? -std::int64_t(stretch.newBegin) : 0;
+    const std::int64_t grow64 = stretch.newEnd > values ? std::int64_t(stretch.newEnd) - values : 0;
+    WavePtr w = newWave(cancel, values + lead64 + grow64);
     if (!w) return nullptr;
+    const std::int32_t lead = std::int32_t(lead64);
+    const std::int32_t grow = std::int32_t(grow64);
     w->clear(cancel, 0, lead);
     w->copyFrom(cancel, &self, 0, values, lead);
     w->clear(cancel, lead + values, lead + values + grow);

@@ -85,6 +85,10 @@ bool captionMatches(std::string_view caption, std::string_view typed) {
 int FormSpec::find(std::string_view c) const {
     for (std::size_t i = 0; i < fields.size(); ++i)
         if (captionMatches(fields[i].caption, c)) return int(i);
+    // A field may also be named as its messages name it ("Vertical Resolution" for the
+    // box captioned "Vertical").
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        if (!fields[i].name.empty() && captionMatches(fields[i].name, c)) return int(i);
     return kNoField;
 }
 

@@ -23,9 +23,8 @@ std::optional<FormError> checkResonatorValues(const ResNotchRecord& r, std::int3
 }
 
 namespace {
-bool checkResNotch(const ResNotchRecord& r, const FormContext&, FormError& error) {
-    // The form does not know the wave's sample frequency; the width it can check.
-    if (auto e = checkResonatorValues(r, 0)) {
+bool checkResNotch(const ResNotchRecord& r, const FormContext& context, FormError& error) {
+    if (auto e = checkResonatorValues(r, context.sampleFreq)) {
         error = *e;
         return false;
     }

@@ -20,6 +20,13 @@ bool checkRotate(const RotateRecord& r, const FormContext& context, FormError& e
     error = inputError("Time", "Time may not be longer than the time of the sound.");
     return false;
 }
+
+// Played backwards, the sound cannot follow a pitch envelope block by block.
+bool checkTempoPitch(const TempoPitchRecord& r, const FormContext&, FormError& error) {
+    if (!r.frequencyHasEnvelope || r.speedFactor.value > 0) return true;
+    error = inputError("Factor", "Value must be positive when the pitch follows an envelope.");
+    return false;
+}
 }  // namespace
 
 RotateRecord::RotateRecord() { table().applyDefaults(*this); }
@@ -140,7 +147,7 @@ const RecordTable<TempoPitchRecord>& TempoPitchRecord::table() {
         positionField("Start Position", &R::startPosition),
         optionField("Quality", &R::quality, {"Low", "High"}),
         timeField("Block Size", &R::blockSize, 0.04, kUnitMillisecond, kCheckPositive),
-    });
+    }, checkTempoPitch);
     return t;
 }
 

@@ -26,10 +26,12 @@ namespace {
 bool checkLine(const LineRecord& r, const FormContext&, FormError& error) {
     if (r.kind != LineRecord::kExponential) return true;
     // An exponential line cannot start or end at 0: the ratio between the ends is undefined.
+    // Nor can it pass through 0 from one sign to the other.
+    const WaveVal begin = toWaveVal(r.beginValue.value), end = toWaveVal(r.endValue.value);
     const char* field = nullptr;
-    if (toWaveVal(r.beginValue.value) == 0)
+    if (begin == 0)
         field = "Begin Value";
-    else if (toWaveVal(r.endValue.value) == 0)
+    else if (end == 0 || (begin < 0) != (end < 0))
         field = "End Value";
     if (!field) return true;
     error = inputError(field, "Exponential Line may not contain value 0.");

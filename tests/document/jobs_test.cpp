@@ -133,7 +133,7 @@ TEST_F(JobsTest, EnablingWhileAJobRuns) {
     worker.join();
     EXPECT_EQ(ws.commit(std::move(job)).kind, Kind::Done);
     ws.setActive(&u);
-    for (const std::string& a : {"Volume", "Undo", "EditPaste", "Duplicate", "FilePlay"})
+    for (const char* a : {"Volume", "Undo", "EditPaste", "Duplicate", "FilePlay"})
         EXPECT_TRUE(ws.status(a).enabled) << a;
 }
 
@@ -279,7 +279,9 @@ TEST(ActionRegistry, EveryRowHasItsPartsAndOneRule) {
         SCOPED_TRACE(std::string(a.name));
         EXPECT_TRUE(names.insert(a.name).second);
         const bool computes = a.flow == ActionFlow::Operation || a.flow == ActionFlow::Edit;
-        if (computes) EXPECT_NE(a.operation, nullptr);
+        if (computes) {
+            EXPECT_NE(a.operation, nullptr);
+        }
         EXPECT_EQ(a.flow == ActionFlow::Inert, a.rule == EnableRule::Never);
         if (a.flow == ActionFlow::Operation) {
             ASSERT_NE(a.operation->form, nullptr);
@@ -287,15 +289,21 @@ TEST(ActionRegistry, EveryRowHasItsPartsAndOneRule) {
             EXPECT_FALSE(a.form.empty());
             EXPECT_NE(a.operation->check, nullptr);
         }
-        if (a.flow == ActionFlow::Edit) EXPECT_EQ(a.operation->form, nullptr);
+        if (a.flow == ActionFlow::Edit) {
+            EXPECT_EQ(a.operation->form, nullptr);
+        }
         // A row with a form that does not compute (the splits and merges) runs in the
         // workspace; every other one prepares a job.
-        if (a.operation && a.flow != ActionFlow::Document)
+        if (a.operation && a.flow != ActionFlow::Document) {
             EXPECT_NE(a.operation->prepare, nullptr);
-        if (!a.form.empty() && a.flow != ActionFlow::File && a.name != "Register")
+        }
+        if (!a.form.empty() && a.flow != ActionFlow::File && a.name != "Register") {
             EXPECT_NE(a.operation, nullptr);
+        }
         // Nothing that changes a document may run beside a job.
-        if (a.operation) EXPECT_EQ(a.duringJob, DuringJob::Blocked);
+        if (a.operation) {
+            EXPECT_EQ(a.duringJob, DuringJob::Blocked);
+        }
     }
     EXPECT_EQ(actionTable().size(), 67u);
 }
@@ -310,7 +318,9 @@ TEST(ActionRegistry, EveryDisabledActionSaysWhy) {
     for (const ActionContext* c : {&none, &emptyStereo})
         for (const ActionDef& a : actionTable()) {
             const ActionStatus s = actionStatus(a, *c);
-            if (!s.enabled) EXPECT_FALSE(s.reason.empty()) << a.name;
+            if (!s.enabled) {
+                EXPECT_FALSE(s.reason.empty()) << a.name;
+            }
         }
     EXPECT_EQ(actionStatus("EditTrim", emptyStereo).reason, "the wave has no samples");
     EXPECT_EQ(actionStatus("DrawWaveLin", emptyStereo).reason,

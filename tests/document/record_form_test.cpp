@@ -58,7 +58,12 @@ TEST(FormChecks, MessagesWordForWord) {
         // 0.00001 x 32767 truncates to 0 as well.
         {check(LineRecord{}, {{"Kind", "Exponential"}, {"End Value", "0.00001"}}),
          "Input Error / In End Value: Exponential Line may not contain value 0."},
-        {check(LineRecord{}, {{"Kind", "Exponential"}, {"Begin Value", "1 $"}}), "(accepted)"},
+        {check(LineRecord{}, {{"Kind", "Exponential"}, {"Begin Value", "1 $"}}),
+         "Input Error / In End Value: Exponential Line may not contain value 0."},  // to -16384
+        {check(LineRecord{}, {{"Kind", "Exponential"}, {"Begin Value", "-1 $"}}), "(accepted)"},
+        {check(TempoPitchRecord{}, {{"Speed Factor", "-1"}, {"Frequency Envelope", "on"},
+                                    {"Frequency Envelope Wave", "drum"}}),
+         "Input Error / In Factor: Value must be positive when the pitch follows an envelope."},
         {check(LineRecord{}, {{"Begin Value", "0"}}), "(accepted)"},
         {check(PerEchoRecord{}, {{"Echo Count", "0"}}), "Input Error / In Count: " + positive},
         {check(PerEchoRecord{}, {{"Echo Time", "-20 ms"}}), "(accepted)"},

@@ -4,6 +4,7 @@
 
 #include "cli/runner.h"
 #include "cli/suggest.h"
+#include "cli/view_steps.h"
 #include "document/file_props_record.h"
 #include "document/register_check.h"
 #include "fileio/sound_export.h"
@@ -37,6 +38,7 @@ private:
 };
 
 bool runsHere(const ActionDef& a) {
+    if (ViewSteps::isViewAction(a.name)) return true;
     return a.flow != ActionFlow::Front && a.flow != ActionFlow::Inert;
 }
 
@@ -74,6 +76,10 @@ std::string helpText() {
         {"info", "length, frequency, bits, channels, size, state and name, tab-separated"},
         {"dump [BEGIN END]", "the samples, one frame a line, channels tab-separated"},
         {"help [ACTION]", "this text, or the fields of ACTION with their current values"},
+        {"ViewWave [Caption=Value ...]", "show the wave as a waveform, with these view settings"},
+        {"ViewVold [Caption=Value ...]", "show the wave as a volume diagram, with these settings"},
+        {"ZoomIn / NoZoom", "zoom into the selected part / show the whole wave"},
+        {"render FILE WIDTH HEIGHT", "paint the wave as a window of that size shows it (PNG)"},
     };
     for (const auto& [syntax, what] : steps) t += "  " + padded(syntax, 28) + std::string(what) + "\n";
 
@@ -119,6 +125,16 @@ bool actionHelpText(Workspace& ws, std::string_view action, std::string& text) {
     } else if (def->name == "Register") {
         RegisterRecord record(unit.getName());
         fields = describeForm(ListedRecord<RegisterRecord>(record), &from);
+    } else if (def->name == "ViewWave") {
+        WaveViewRecord record;
+        WaveViewForm form(record);
+        text += "Dialog \"" + std::string(form.spec().caption) + "\" (the defaults)\n";
+        fields = describeForm(form, &from);
+    } else if (def->name == "ViewVold") {
+        VoldViewRecord record;
+        VoldViewForm form(record);
+        text += "Dialog \"" + std::string(form.spec().caption) + "\" (the defaults)\n";
+        fields = describeForm(form, &from);
     } else if (def->name == "FileOpenWave" || def->name == "FileSaveAs") {
         fields = "File (text) = \n";
     } else if (std::unique_ptr<FormView> form = from.actionForm(def->name)) {

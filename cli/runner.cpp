@@ -223,7 +223,32 @@ int ScriptRunner::runStep(const Step& step) {
             out_ << text;
             return kExitOk;
         }
-        case StepKind::Action: return actionStep(step);
+        case StepKind::Action: {
+            TUnitWave* unit = ws_.active();
+            if (unit) views_.beforeOperation(*unit);
+            const int status = actionStep(step);
+            if (unit && ws_.active() == unit) views_.afterOperation(*unit);
+            return status;
+        }
+        case StepKind::View: {
+            TUnitWave* unit = activeFor(step);
+            if (!unit) return kExitUsage;
+            if (auto e = views_.run(step.word, step.fields, *unit, ws_.formContext()))
+                return kExitUsage;
+            return kExitOk;
+        }
+        case StepKind::Render: {
+            TUnitWave* unit = activeFor(step);
+            if (!unit) return kExitUsage;
+            std::string reason;
+            if (!views_.render(*unit, step.args[0], std::stoi(step.args[1]),
+                               std::stoi(step.args[2]), reason)) {
+                showMessage(kSaveErrorCaption, "Cannot write the picture.", MessageIcon::Information);
+                showDetail(reason);
+                return kExitFile;
+            }
+            return kExitOk;
+        }
     }
     return kExitUsage;
 }

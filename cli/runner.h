@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "cli/script.h"
+#include "cli/view_steps.h"
 #include "document/import_origin.h"
 #include "document/workspace.h"
 
@@ -91,6 +92,7 @@ private:
     CancelFlag importCancel_{0};
     bool quietCodecs_ = false;
     std::map<const TUnitWave*, ImportOrigin> origins_;
+    ViewSteps views_;
 };
 
 // A line of detail under the message before it (caption left empty): the file and the

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "cli/suggest.h"
-
+#include "cli/view_steps.h"
 #include "core/sample_value.h"
 #include "document/actions.h"
 #include "fileio/sample_frequency.h"
@@ -58,7 +58,7 @@ std::string quoted(std::string_view s) {
 const std::vector<std::string_view>& stepWords() {
     static const std::vector<std::string_view> words = {
         "open", "import", "new", "name", "use", "select", "cursor",
-        "save", "export", "info", "dump", "help"};
+        "save", "export", "info", "dump", "help", "render"};
     return words;
 }
 
@@ -209,10 +209,20 @@ std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
             if (i < args.size() && !isStepWord(args[i]) &&
                 args[i].find('=') == std::string::npos)
                 step.args.push_back(args[i++]);
+        } else if (w == "render") {
+            step.kind = StepKind::Render;
+            if (auto e = need(step, 3, "a file name, a width and a height")) return e;
+            std::int64_t width = 0, height = 0;
+            if (!readCount(args[i + 1], width) || !readCount(args[i + 2], height) || width < 1 ||
+                height < 1 || width > 16384 || height > 16384)
+                return ScriptError{"render needs a width and a height of 1 to 16384 pixels, not " +
+                                   quoted(args[i + 1]) + " and " + quoted(args[i + 2]) + "."};
+            for (int k = 0; k < 3; ++k) step.args.push_back(args[i++]);
         } else if (const ActionDef* def = findAction(w)) {
-            if (def->flow == ActionFlow::Front || def->flow == ActionFlow::Inert)
+            const bool view = ViewSteps::isViewAction(w);
+            if (!view && (def->flow == ActionFlow::Front || def->flow == ActionFlow::Inert))
                 return ScriptError{w + " needs the desktop program."};
-            step.kind = StepKind::Action;
+            step.kind = view ? StepKind::View : StepKind::Action;
             while (i < args.size() && args[i].find('=') != std::string::npos) {
                 const std::string& a = args[i++];
                 const std::size_t eq = a.find('=');

@@ -4,7 +4,7 @@
 //
 //   open FILE | import FILE | new FREQ BITS CHANNELS | name NAME | use NAME
 //   select BEGIN END | cursor POS | save FILE | export FILE [FORMAT]   (a position may be "end")
-//   info | dump [BEGIN END] | help [ACTION]
+//   info | dump [BEGIN END] | help [ACTION] | render FILE WIDTH HEIGHT
 //   ACTION ["Caption=Value" ...]      any action of the table that works on documents
 #pragma once
 
@@ -32,6 +32,8 @@ enum class StepKind : std::uint8_t {
     Dump,
     Help,
     Action,
+    View,    // ViewWave, ViewVold, ZoomIn, NoZoom: the window's settings and zoom
+    Render,  // render FILE WIDTH HEIGHT
 };
 
 struct Step {

@@ -261,7 +261,14 @@ void TMainForm::makeTempFolder() {
 // ---- enabling, status bar, title ------------------------------------------------------------
 
 void TMainForm::updateActions() {
-    WindowState window;  // the placeholder window shows the waveform, unzoomed, no drawing
+    // The active window's drawing, view and zoom, as the rules read them.
+    WindowState window;
+    if (const TMDIChildWave* child = childOf(workspace_.active())) {
+        window.drawing = child->drawing();
+        window.smoothDrawing = child->smoothDrawing();
+        window.showsVold = child->showsVold();
+        window.zoomFactor = child->zoomFactor();
+    }
     workspace_.setWindowState(window);
     const ActionContext context = workspace_.actionContext();
     // While a job computes the rules themselves leave only what cannot conflict with it.
@@ -332,6 +339,8 @@ void TMainForm::syncWindows() {
         child->setCloseGuard([this](TMDIChildWave& c) { return closeGuard(c); });
         connect(child, &TMDIChildWave::statusChanged, this, [this] { updateActions(); });
         connect(child, &TMDIChildWave::closed, this, &TMainForm::childClosed);
+        // The time under the pointer goes into the second panel.
+        connect(child, &TMDIChildWave::pointerPosition, panels_[1], &QLabel::setText);
         QMdiSubWindow* sub = mdi_->addSubWindow(child);
         sub->setAttribute(Qt::WA_DeleteOnClose);
         sub->setWindowIcon(programIcon());

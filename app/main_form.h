@@ -39,6 +39,7 @@ namespace orv {
 
 class TMDIChildWave;
 class NameEditFilter;
+struct SelZoomRequest;
 
 class TMainForm final : public QMainWindow {
     Q_OBJECT
@@ -118,6 +119,20 @@ private:
     void importFile();
     void exportFile();
     void connectHelp(QObject* dialog);
+
+    // ---- the view actions (main_form_commands.cpp) ------------------------------------------
+    // ViewWave: the "Wave View" dialog over the active window's settings.
+    void viewWaveDialog();
+    // ZoomIn and NoZoom on the active window.
+    void zoomActive(bool in);
+    // SelectWave: shows the "Select and Zoom" dialog, or hides it when it shows.
+    void toggleSelectAndZoom();
+    // What its "Apply" asks of the active window.
+    void applySelectAndZoom(const SelZoomRequest& request);
+    // DrawWaveLin / DrawWave3G: starts, switches or ends the freehand drawing; the drawn wave
+    // becomes the document's (undoable) when the drawing ends.
+    void drawWave(bool smooth);
+    // -------------------------------------------------------------------------------------
 
     // Child windows follow the documents of the workspace.
     void syncWindows();

@@ -9,12 +9,15 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 
 #include "app/about_box.h"
 #include "app/help_window.h"
 #include "app/main_form.h"
 #include "dialogs/mfreq_dialog.h"
 #include "dialogs/record_dialog.h"
+#include "dialogs/selzoom_dialog.h"
+#include "dialogs/wave_view_dialog.h"
 #include "document/file_props_record.h"
 #include "document/register_check.h"
 #include "fileio/sound_export.h"
@@ -71,7 +74,13 @@ void TMainForm::defaultPrompts() {
 // ---- running -------------------------------------------------------------------------------
 
 void TMainForm::run(std::string_view name, const CommandInput& input) {
-    runner_->run(name, input, [this](const ActionResult&) { afterCommand(); });
+    // A zoomed window keeps its margins around the part across a change of length.
+    QPointer<TMDIChildWave> child = childOf(workspace_.active());
+    if (child) child->beginKeepZoom();
+    runner_->run(name, input, [this, child](const ActionResult&) {
+        if (child) child->endKeepZoom();
+        afterCommand();
+    });
 }
 
 void TMainForm::afterCommand() {
@@ -97,6 +106,10 @@ void TMainForm::execute(std::string_view name) {
     }
     if (name == "HelpAbout") return showAbout();
     if (name == "Register") return registerDialog();
+    if (name == "ViewWave") return viewWaveDialog();
+    if (name == "ZoomIn" || name == "NoZoom") return zoomActive(name == "ZoomIn");
+    if (name == "SelectWave") return toggleSelectAndZoom();
+    if (name == "DrawWaveLin" || name == "DrawWave3G") return drawWave(name == "DrawWave3G");
     // Every other action with a dialog shows it first.
     if (!def->form.empty() && workspace_.active()) return operationDialog(name);
     switch (def->flow) {
@@ -304,6 +317,88 @@ void TMainForm::multiFrequencyDialog() {
     input.form = AcceptedForm{&MFreqRecord::table(), dialog.state()};
     input.frequencies = dialog.record().frequencies.records();
     run("MakeMFreq", input);
+}
+
+// ---- the view actions ---------------------------------------------------------------------------
+
+void TMainForm::viewWaveDialog() {
+    const QPointer<TMDIChildWave> child = childOf(workspace_.active());
+    if (!child) return;
+    TDlgWaveViewProps dialog(child->settings(), this);
+    connect(&dialog, &TDlgWaveViewProps::helpRequested, this, &TMainForm::showHelp);
+    if (dialog.exec() != QDialog::Accepted || !child) return;
+    child->setSettings(dialog.record());
+    if (dialog.useAsDefault()) TMDIChildWave::setDefaultSettings(dialog.record());
+    updateActions();
+}
+
+void TMainForm::zoomActive(bool in) {
+    TMDIChildWave* child = childOf(workspace_.active());
+    if (!child) return;
+    if (in)
+        child->zoomIn();
+    else
+        child->noZoom();
+    updateActions();
+}
+
+void TMainForm::toggleSelectAndZoom() {
+    // Made once and kept with the frame, like the dialog bases' dialogs; it stays open beside
+    // the windows and works on whichever is active when "Apply" is pressed.
+    auto* dialog = findChild<TDlgSelZoom*>(QString(), Qt::FindDirectChildrenOnly);
+    if (!dialog) {
+        dialog = new TDlgSelZoom(
+            [this]() -> std::optional<SelZoomTarget> {
+                const TUnitWave* unit = workspace_.active();
+                if (!unit || !childOf(unit)) return std::nullopt;
+                return SelZoomTarget{unit->values(), unit->getFreq()};
+            },
+            this);
+        connect(dialog, &TDlgSelZoom::applyRequested, this, &TMainForm::applySelectAndZoom);
+        connect(dialog, &TDlgSelZoom::helpRequested, this, &TMainForm::showHelp);
+    }
+    if (dialog->isVisible()) {
+        dialog->hide();
+        return;
+    }
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
+}
+
+void TMainForm::applySelectAndZoom(const SelZoomRequest& request) {
+    TUnitWave* unit = workspace_.active();
+    TMDIChildWave* child = childOf(unit);
+    if (!child || runner_->busy() || child->drawing()) return;
+    if (request.part)
+        unit->setSelection(request.begin, request.end);
+    else
+        unit->setCursor(request.cursor);
+    if (request.zoomed)
+        child->zoomTo(request.zoomBegin, request.zoomEnd);
+    else
+        child->noZoom();
+    updateActions();
+}
+
+void TMainForm::drawWave(bool smooth) {
+    TUnitWave* unit = workspace_.active();
+    TMDIChildWave* child = childOf(unit);
+    if (!child) return;
+    const DrawKind kind = smooth ? DrawKind::Smooth : DrawKind::Linear;
+    if (!child->drawing()) {
+        child->beginDrawing(kind);
+    } else if (child->smoothDrawing() != smooth) {
+        child->setDrawingKind(kind);
+    } else if (std::unique_ptr<Sound> drawn = child->endDrawing()) {
+        // The document takes the drawn wave as it takes an operation's result: the state
+        // before it goes to the undo record first.
+        workspace_.makeUndo(*unit);
+        const std::int32_t n = drawn->GetValues();
+        unit->takeResult(std::shared_ptr<Sound>(std::move(drawn)), 0, n);
+        unit->setChanged();
+    }
+    updateActions();
 }
 
 // ---- help and about ------------------------------------------------------------------------------

@@ -40,9 +40,10 @@ SoundPtr stereoMinutes(int minutes) {
     CancelFlag c{0};
     const std::int32_t n = 44100 * 60 * minutes;
     WavePtr l = newWave(c, n), r = newWave(c, n);
+    if (!l || !r) return nullptr;
     for (std::int32_t i = 0; i < n; ++i) {
-        (*l)[i] = WaveVal((i * 37) % 20000 - 10000);
-        (*r)[i] = WaveVal((i * 53) % 16000 - 8000);
+        (*l)[i] = WaveVal((std::int64_t(i) * 37) % 20000 - 10000);
+        (*r)[i] = WaveVal((std::int64_t(i) * 53) % 16000 - 8000);
     }
     return std::make_unique<StereoSound>(std::move(l), std::move(r), 44100);
 }
@@ -98,13 +99,19 @@ void BM_HeartbeatDuringTempoPitch(benchmark::State& state) {
         });
         const auto t0 = Clock::now();
         bool finished = false;
+        ActionResult result;
         sinceBeat.start();
         beat.start(10);
-        frame.runner().run("TempoPitch", {}, [&](const ActionResult&) { finished = true; });
+        frame.runner().run("TempoPitch", {}, [&](const ActionResult& r) {
+            result = r;
+            finished = true;
+        });
         spin([&] { return finished; });
         beat.stop();
         state.SetIterationTime(secondsSince(t0));
+        if (result.kind != ActionResult::Kind::Done) state.SkipWithError(result.text.c_str());
         state.counters["longest_gap_ms"] = double(longest);
+        state.counters["samples_made"] = double(ws.active()->values());
     }
 }
 BENCHMARK(BM_HeartbeatDuringTempoPitch)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -44,7 +44,7 @@ QString kindHelp(const FieldDef& d) {
                    "<i>1 kHz</i>, <i>A4</i>";
         case FieldKind::WaveValue:
             return "a sample value: from -1 to 1, a percentage, or a raw value after $: "
-                   "<i>0.5</i>, <i>50 %</i>, <i>$16383</i>";
+                   "<i>0.5</i>, <i>50 %</i>, <i>16383 $</i>";
         case FieldKind::Position:
             return "a time from the start of the wave, before its end: <i>1.5 s</i>, "
                    "<i>200 ms</i>";
@@ -58,6 +58,7 @@ QString kindHelp(const FieldDef& d) {
         case FieldKind::Preset: return "an example that fills in the fields above";
         case FieldKind::Flag: return "on or off";
         case FieldKind::Text: return "any text";
+        case FieldKind::Colour: return "a colour as #RRGGBB: <i>#008080</i> is teal";
     }
     return {};
 }

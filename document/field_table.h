@@ -37,7 +37,16 @@ enum class FieldKind : std::uint8_t {
     Choice,        // a list whose entries stand for numbers (the sample frequencies)
     Preset,        // a list whose entries write values into other fields (not stored)
     Text,          // free text (a name)
+    Colour,        // a colour 0x00BBGGRR, typed as #RRGGBB
 };
+
+// A colour as the records keep it: 0x00BBGGRR.
+using ColorRef = std::int32_t;
+// "#RRGGBB" (blanks around it allowed, hex digits in either case) into 0x00BBGGRR.
+bool readColourText(std::string_view text, ColorRef& colour);
+// 0x00BBGGRR as "#RRGGBB", upper-case.
+std::string colourText(ColorRef colour);
+inline constexpr std::string_view kColourFormatMessage = "Colour must be written as #RRGGBB.";
 
 // "factor", "volume factor", ... as listings name the kinds.
 std::string_view fieldKindName(FieldKind kind);
@@ -271,6 +280,15 @@ Field<R> waveNameField(std::string_view caption, std::string R::*m) {
     Field<R> f;
     f.def.caption = caption;
     f.def.kind = FieldKind::WaveName;
+    f.member = m;
+    return f;
+}
+template <class R>
+Field<R> colourField(std::string_view caption, std::int32_t R::*m, ColorRef def) {
+    Field<R> f;
+    f.def.caption = caption;
+    f.def.kind = FieldKind::Colour;
+    f.def.defValue = def;
     f.member = m;
     return f;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 
 #include "units/value_writer.h"
 
@@ -26,6 +27,7 @@ std::string_view fieldKindName(FieldKind kind) {
         case FieldKind::Choice: return "choice";
         case FieldKind::Preset: return "example";
         case FieldKind::Text: return "text";
+        case FieldKind::Colour: return "colour";
     }
     return "?";
 }
@@ -90,6 +92,39 @@ int FormSpec::find(std::string_view c) const {
     for (std::size_t i = 0; i < fields.size(); ++i)
         if (!fields[i].name.empty() && captionMatches(fields[i].name, c)) return int(i);
     return kNoField;
+}
+
+// ---- colours ------------------------------------------------------------------------
+
+namespace {
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+}  // namespace
+
+bool readColourText(std::string_view text, ColorRef& colour) {
+    const auto b = text.find_first_not_of(" \t");
+    if (b == std::string_view::npos) return false;
+    text = text.substr(b, text.find_last_not_of(" \t") - b + 1);
+    if (text.size() != 7 || text[0] != '#') return false;
+    int rgb = 0;
+    for (std::size_t i = 1; i < 7; ++i) {
+        const int d = hexDigit(text[i]);
+        if (d < 0) return false;
+        rgb = rgb * 16 + d;
+    }
+    colour = ((rgb >> 16) & 0xFF) | (rgb & 0xFF00) | ((rgb & 0xFF) << 16);
+    return true;
+}
+
+std::string colourText(ColorRef colour) {
+    char buf[8];
+    std::snprintf(buf, sizeof buf, "#%02X%02X%02X", unsigned(colour) & 0xFFu,
+                  (unsigned(colour) >> 8) & 0xFFu, (unsigned(colour) >> 16) & 0xFFu);
+    return buf;
 }
 
 // ---- errors ----------------------------------------------------------------------------

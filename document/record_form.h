@@ -189,7 +189,9 @@ FormState showRecord(const RecordTable<R>& table, const R& record, const WaveNam
                 if constexpr (std::is_same_v<M, ValueRecord R::*>) {
                     s.text = writeValueText(d.kind, record.*m);
                 } else if constexpr (std::is_same_v<M, std::int32_t R::*>) {
-                    if (d.kind == FieldKind::Choice) {
+                    if (d.kind == FieldKind::Colour) {
+                        s.text = colourText(record.*m);
+                    } else if (d.kind == FieldKind::Choice) {
                         s.index = -1;
                         for (std::size_t c = 0; c < d.choiceValues.size(); ++c)
                             if (d.choiceValues[c] == record.*m) s.index = int(c);
@@ -234,6 +236,17 @@ std::optional<FormError> acceptRecord(const RecordTable<R>& table, const FormSta
                         if constexpr (std::is_same_v<M, std::int32_t R::*>)
                             if (s.index >= 0 && std::size_t(s.index) < d.choiceValues.size())
                                 result.*m = d.choiceValues[s.index];
+                        return;
+                    }
+                    if (d.kind == FieldKind::Colour) {
+                        if constexpr (std::is_same_v<M, std::int32_t R::*>) {
+                            if (!counts) return;
+                            ColorRef c = 0;
+                            if (!readColourText(s.text, c))
+                                failed = inputError(d.messageName(), kColourFormatMessage);
+                            else
+                                result.*m = c;
+                        }
                         return;
                     }
                     if (!counts) return;

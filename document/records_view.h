@@ -3,8 +3,7 @@
 //
 // Colours are kept as 0x00BBGGRR (red in the low byte), the way these settings have always
 // been stored; the painter turns them into pixels at the edge. People type them as
-// "#RRGGBB", so the record goes through WaveViewForm, which shows and reads its colour
-// fields in that form. The plain RecordForm would read "#00FF00" as the integer 0.
+// "#RRGGBB": they are colour fields of the table, shown and read in that form.
 #pragma once
 
 #include <cstdint>
@@ -17,9 +16,6 @@
 #include "units/value_record.h"
 
 namespace orv {
-
-// A colour as the records keep it: 0x00BBGGRR.
-using ColorRef = std::int32_t;
 
 inline constexpr ColorRef kWhite = 0xFFFFFF;
 inline constexpr ColorRef kBlack = 0x000000;
@@ -52,30 +48,7 @@ struct WaveViewRecord {
     bool twoSingleWaves;          // a stereo wave as two bands, left above right
 };
 
-// "#RRGGBB" (blanks around it allowed, hex digits in either case) into 0x00BBGGRR.
-bool readColourText(std::string_view text, ColorRef& colour);
-// 0x00BBGGRR as "#RRGGBB", upper-case.
-std::string colourText(ColorRef colour);
-inline constexpr std::string_view kColourFormatMessage = "Colour must be written as #RRGGBB.";
-
-// The record's form with its colour fields shown and read as "#RRGGBB". Everything else is
-// the shared form logic: captions, options, the first failure in field order, "In " + field
-// + ": " + message under "Input Error".
-class WaveViewForm final : public FormView {
-public:
-    explicit WaveViewForm(WaveViewRecord& record) : record_(record) {}
-    const FormSpec& spec() const override { return WaveViewRecord::table(); }
-    FormState show(const WaveNameLookup* names) const override;
-    std::optional<FormError> accept(const FormState& state, const FormContext& context) override;
-
-    static bool isColourField(int field);
-
-private:
-    WaveViewRecord& record_;
-};
-
-// Chosen over the generic template: the colours must be read as "#RRGGBB".
-std::optional<FormError> applyTypedFields(WaveViewRecord& record, const TypedFields& typed,
-                                          const FormContext& context);
+// The record's form: its colours are shown and read as "#RRGGBB" like any colour field.
+using WaveViewForm = RecordForm<WaveViewRecord>;
 
 }  // namespace orv

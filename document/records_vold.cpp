@@ -31,10 +31,6 @@ bool checkVold(const VoldViewRecord& r, const FormContext& context, FormError& e
     return true;
 }
 
-bool isCheckMessage(std::string_view m) {
-    return m == kTopTooHighMessage || m == kTopEqualsBottomMessage || m == kBottomTooHighMessage;
-}
-
 }  // namespace
 
 std::optional<FormError> checkVoldFrequencies(const VoldViewRecord& r, std::int32_t sampleFreq) {
@@ -52,10 +48,6 @@ VoldViewRecord::VoldViewRecord() { table().applyDefaults(*this); }
 
 const RecordTable<VoldViewRecord>& VoldViewRecord::table() {
     using R = VoldViewRecord;
-    // Colours are integer fields underneath; VoldViewForm shows and reads them as #RRGGBB.
-    auto colour = [](std::string_view caption, ColorRef R::*m, ColorRef def) {
-        return countField(caption, m, def, kCheckNotNegative, FieldKind::Integer);
-    };
     static const RecordTable<R> t("Volume Diagram", 3, {
         timeField("Top", &R::top, 0.00005, kUnitKilohertz, kCheckPositive),
         timeField("Bottom", &R::bottom, 0.05, kUnitHertz, kCheckPositive),
@@ -71,65 +63,14 @@ const RecordTable<VoldViewRecord>& VoldViewRecord::table() {
                     {"Low (Kwadratic)", "Normal (Linear)", "High (Square root)",
                      "Very High (Fourth root)"},
                     kNormal),
-        colour("Background", &R::background, kWhite),
-        colour("Volume Single or Both ", &R::volumeBoth, kTeal),
-        colour("Volume Left", &R::volumeLeft, kRed),
-        colour("Volume Right", &R::volumeRight, kFuchsia),
-        colour("Cursor", &R::cursor, kRed),
+        colourField("Background", &R::background, kWhite),
+        colourField("Volume Single or Both ", &R::volumeBoth, kTeal),
+        colourField("Volume Left", &R::volumeLeft, kRed),
+        colourField("Volume Right", &R::volumeRight, kFuchsia),
+        colourField("Cursor", &R::cursor, kRed),
         flagField("2 Single Diagrams when Stereo", &R::twoDiagrams, true),
     }, checkVold);
     return t;
-}
-
-bool VoldViewForm::isColourField(int field) {
-    const auto& fields = VoldViewRecord::table().fields;
-    return field >= 0 && std::size_t(field) < fields.size() &&
-           fields[std::size_t(field)].kind == FieldKind::Integer;
-}
-
-FormState VoldViewForm::show(const WaveNameLookup* names) const {
-    const auto& t = VoldViewRecord::table();
-    FormState state = showRecord(t, record_, names);
-    for (std::size_t i = 0; i < t.fields.size(); ++i)
-        if (isColourField(int(i)))
-            state.fields[i].text =
-                colourText(record_.*std::get<std::int32_t VoldViewRecord::*>(t.member(i)));
-    return state;
-}
-
-std::optional<FormError> VoldViewForm::accept(const FormState& state,
-                                              const FormContext& context) {
-    const auto& t = VoldViewRecord::table();
-    // The shared reading takes the colours as numbers; a colour that cannot be read stands
-    // in as 0 and its message goes out only if nothing before it failed.
-    FormState numeric = state;
-    int badColour = kNoField;
-    for (std::size_t i = 0; i < t.fields.size(); ++i) {
-        if (!isColourField(int(i)) || !fieldCounts(t, state, int(i))) continue;
-        ColorRef c = 0;
-        if (!readColourText(state.fields[i].text, c) && badColour == kNoField) badColour = int(i);
-        numeric.fields[i].text = std::to_string(c);
-    }
-    VoldViewRecord result = record_;
-    std::optional<FormError> error = acceptRecord(t, numeric, result, context);
-    if (badColour != kNoField) {
-        // Fields are read in order and the record's own check runs after all of them, so
-        // the colour goes out unless a field before it could not be read.
-        const bool readBefore = error && !isCheckMessage(error->message) &&
-                                error->fieldIndex != kNoField && error->fieldIndex < badColour;
-        if (!readBefore)
-            return inputError(t.fields[std::size_t(badColour)].messageName(),
-                              kColourFormatMessage, badColour);
-    }
-    if (error) return error;
-    record_ = result;
-    return std::nullopt;
-}
-
-std::optional<FormError> applyTypedFields(VoldViewRecord& record, const TypedFields& typed,
-                                          const FormContext& context) {
-    VoldViewForm form(record);
-    return applyTypedFields(static_cast<FormView&>(form), typed, context);
 }
 
 }  // namespace orv

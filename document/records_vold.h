@@ -75,23 +75,7 @@ inline constexpr std::string_view kBottomTooHighMessage =
 // only. The message goes out as "In Top: ..." or "In Bottom: ..." under "Input Error".
 std::optional<FormError> checkVoldFrequencies(const VoldViewRecord& r, std::int32_t sampleFreq);
 
-// The record's form with its colour fields shown and read as "#RRGGBB"; everything else is
-// the shared form logic.
-class VoldViewForm final : public FormView {
-public:
-    explicit VoldViewForm(VoldViewRecord& record) : record_(record) {}
-    const FormSpec& spec() const override { return VoldViewRecord::table(); }
-    FormState show(const WaveNameLookup* names) const override;
-    std::optional<FormError> accept(const FormState& state, const FormContext& context) override;
-
-    static bool isColourField(int field);
-
-private:
-    VoldViewRecord& record_;
-};
-
-// Chosen over the generic template: the colours must be read as "#RRGGBB".
-std::optional<FormError> applyTypedFields(VoldViewRecord& record, const TypedFields& typed,
-                                          const FormContext& context);
+// The record's form: its colours are shown and read as "#RRGGBB" like any colour field.
+using VoldViewForm = RecordForm<VoldViewRecord>;
 
 }  // namespace orv

@@ -121,8 +121,12 @@ private:
     void connectHelp(QObject* dialog);
 
     // ---- the view actions (main_form_commands.cpp) ------------------------------------------
-    // ViewWave: the "Wave View" dialog over the active window's settings.
+    // ViewWave: the "Wave View" dialog over the active window's settings, then the window
+    // shows the waveform again.
     void viewWaveDialog();
+    // ViewVold: the "Volume Diagram" dialog over the active window's Vold settings, then
+    // that window shows the diagram.
+    void viewVoldDialog();
     // ZoomIn and NoZoom on the active window.
     void zoomActive(bool in);
     // SelectWave: shows the "Select and Zoom" dialog, or hides it when it shows.

@@ -17,6 +17,7 @@
 #include "dialogs/mfreq_dialog.h"
 #include "dialogs/record_dialog.h"
 #include "dialogs/selzoom_dialog.h"
+#include "dialogs/vold_view_dialog.h"
 #include "dialogs/wave_view_dialog.h"
 #include "document/file_props_record.h"
 #include "document/register_check.h"
@@ -107,6 +108,7 @@ void TMainForm::execute(std::string_view name) {
     if (name == "HelpAbout") return showAbout();
     if (name == "Register") return registerDialog();
     if (name == "ViewWave") return viewWaveDialog();
+    if (name == "ViewVold") return viewVoldDialog();
     if (name == "ZoomIn" || name == "NoZoom") return zoomActive(name == "ZoomIn");
     if (name == "SelectWave") return toggleSelectAndZoom();
     if (name == "DrawWaveLin" || name == "DrawWave3G") return drawWave(name == "DrawWave3G");
@@ -329,6 +331,19 @@ void TMainForm::viewWaveDialog() {
     if (dialog.exec() != QDialog::Accepted || !child) return;
     child->setSettings(dialog.record());
     if (dialog.useAsDefault()) TMDIChildWave::setDefaultSettings(dialog.record());
+    child->showWave();
+    updateActions();
+}
+
+void TMainForm::viewVoldDialog() {
+    TUnitWave* unit = workspace_.active();
+    const QPointer<TMDIChildWave> child = childOf(unit);
+    if (!child) return;
+    TDlgVoldViewProps dialog(child->voldSettings(), workspace_.formContext(), this);
+    connect(&dialog, &TDlgVoldViewProps::helpRequested, this, &TMainForm::showHelp);
+    if (dialog.exec() != QDialog::Accepted || !child) return;
+    if (dialog.useAsDefault()) TMDIChildWave::setDefaultVoldSettings(dialog.record());
+    child->showVold(dialog.record());
     updateActions();
 }
 

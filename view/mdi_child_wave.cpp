@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QRegion>
 #include <QScrollBar>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include "core/platform.h"
@@ -28,11 +29,20 @@ WaveViewRecord& defaults() {
     return record;
 }
 
+VoldViewRecord& voldDefaults() {
+    static VoldViewRecord record;
+    return record;
+}
+
+// How often the window looks for newly computed Vold columns.
+constexpr int kVoldPollMs = 15;
+
 }  // namespace
 
 TMDIChildWave::TMDIChildWave(TUnitWave& unit, QWidget* parent)
     : QWidget(parent), unit_(&unit), settings_(defaults()),
-      scroll_(new QScrollBar(Qt::Horizontal, this)) {
+      scroll_(new QScrollBar(Qt::Horizontal, this)), voldSettings_(voldDefaults()),
+      voldTimer_(new QTimer(this)) {
     setObjectName("TMDIChildWave");
     setMinimumSize(240, 120);
     setFocusPolicy(Qt::StrongFocus);
@@ -45,17 +55,23 @@ TMDIChildWave::TMDIChildWave(TUnitWave& unit, QWidget* parent)
         const std::int64_t last = std::max<std::int64_t>(0, fit_.range - clientRect().width());
         scrollTo(value >= scroll_->maximum() ? last : std::int64_t(value) * scrollScale_);
     });
+    voldTimer_->setInterval(kVoldPollMs);
+    connect(voldTimer_, &QTimer::timeout, this, &TMDIChildWave::pollVold);
     unit_->setView(this);
     setWindowTitle(title());
     startPeaks();
 }
 
 TMDIChildWave::~TMDIChildWave() {
+    stopVold();
     stopPeaks();
     if (unit_ && unit_->getView() == this) unit_->setView(nullptr);
 }
 
 void TMDIChildWave::detach() {
+    stopVold();
+    voldPicture_.reset();
+    voldSound_.reset();
     stopPeaks();
     if (unit_ && unit_->getView() == this) unit_->setView(nullptr);
     unit_ = nullptr;
@@ -86,6 +102,102 @@ void TMDIChildWave::setSettings(const WaveViewRecord& settings) {
 const WaveViewRecord& TMDIChildWave::defaultSettings() { return defaults(); }
 
 void TMDIChildWave::setDefaultSettings(const WaveViewRecord& settings) { defaults() = settings; }
+
+// ---- the Volume Diagram ------------------------------------------------------------------------
+
+void TMDIChildWave::showVold(const VoldViewRecord& settings) {
+    vold_ = true;
+    voldSettings_ = settings;
+    invalidate();
+}
+
+void TMDIChildWave::showWave() {
+    if (!vold_) return;
+    vold_ = false;
+    stopVold();
+    voldPicture_.reset();
+    voldSound_.reset();
+    invalidate();
+}
+
+void TMDIChildWave::setVoldSettings(const VoldViewRecord& settings) {
+    voldSettings_ = settings;
+    if (vold_) invalidate();
+}
+
+const VoldViewRecord& TMDIChildWave::defaultVoldSettings() { return voldDefaults(); }
+
+void TMDIChildWave::setDefaultVoldSettings(const VoldViewRecord& settings) {
+    voldDefaults() = settings;
+}
+
+VoldPaintInput TMDIChildWave::voldPaintInput() const {
+    VoldPaintInput in;
+    in.sound = unit_ ? unit_->getSound() : nullptr;
+    in.settings = voldSettings_;
+    const QRect client = clientRect();
+    in.clientWidth = client.width();
+    in.clientHeight = client.height();
+    if (zoomed_) in.view = visibleSpan(values(), true, fit_.range, fit_.pos, in.clientWidth);
+    return in;
+}
+
+bool TMDIChildWave::voldComplete() const {
+    return voldShown() && !stale_ && voldPicture_ && !voldWorker_.joinable() &&
+           voldPainted_ == voldPicture_->width();
+}
+
+void TMDIChildWave::startVold() {
+    stopVold();
+    // The thread reads this sound; holding it keeps it alive whatever the document does.
+    voldSound_ = unit_->soundRef();
+    VoldPaintInput in = voldPaintInput();
+    in.sound = voldSound_.get();
+    voldPicture_ = std::make_unique<VoldPicture>(in);
+    const VoldPicture& picture = *voldPicture_;
+    canvas_.resize(picture.width(), picture.height());
+    paintVoldColumns(canvas_, picture, 0, picture.width(), unit_->getCursor(),
+                     unit_->getSelEndPos());
+    voldPainted_ = 0;
+    voldDone_.store(false, std::memory_order_relaxed);
+    voldCancel_ = std::make_unique<CancelFlag>(0);
+    // The destructor, stopVold and every restart join this thread before the picture, the
+    // flag or the window go.
+    voldWorker_ = std::thread([this, picture = voldPicture_.get(), cancel = voldCancel_.get()] {
+        picture->compute(*cancel);
+        voldDone_.store(true, std::memory_order_release);
+    });
+    voldTimer_->start();
+}
+
+void TMDIChildWave::stopVold() {
+    if (voldCancel_) setCancelled(*voldCancel_);
+    if (voldWorker_.joinable()) voldWorker_.join();
+    voldTimer_->stop();
+    voldCancel_.reset();
+}
+
+void TMDIChildWave::pollVold() {
+    if (!voldPicture_ || !voldShown() || stale_) {
+        voldTimer_->stop();
+        return;
+    }
+    // Read before the columns: once the thread is done, every column it made is counted.
+    const bool done = voldDone_.load(std::memory_order_acquire);
+    const VoldPicture& picture = *voldPicture_;
+    const int ready = picture.columnsReady();
+    if (ready > voldPainted_) {
+        paintVoldColumns(canvas_, picture, voldPainted_, ready, unit_->getCursor(),
+                         unit_->getSelEndPos());
+        update(QRect(voldPainted_, 0, ready - voldPainted_, picture.height()));
+        voldPainted_ = ready;
+    }
+    if (done) {
+        if (voldWorker_.joinable()) voldWorker_.join();
+        voldTimer_->stop();
+        voldCancel_.reset();
+    }
+}
 
 // ---- state the picture is made of -------------------------------------------------------------
 
@@ -127,13 +239,20 @@ ViewSpan TMDIChildWave::visibleRange() const { return paintInput().effectiveView
 // ---- painting --------------------------------------------------------------------------------
 
 void TMDIChildWave::invalidate() {
+    // A Vold picture under way is out of date: stop it now, not at the next paint.
+    if (voldWorker_.joinable()) stopVold();
     stale_ = true;
     update(clientRect());
 }
 
 const Canvas& TMDIChildWave::picture() {
     if (stale_) {
-        paintWave(canvas_, paintInput());
+        if (voldShown()) {
+            startVold();
+        } else {
+            stopVold();
+            paintWave(canvas_, paintInput());
+        }
         painted_ = marks();
         stale_ = false;
     }
@@ -160,6 +279,26 @@ void TMDIChildWave::syncSelection() {
     if (!unit_ || drawing_ || stale_) return;
     const SelectionMarks now = marks();
     if (now == painted_) return;
+    if (voldShown()) {
+        // Repainted from the brightness already computed (columns not yet computed stay
+        // background until the timer paints them with the marks of that moment).
+        if (!voldPicture_ || canvas_.width() != voldPicture_->width() ||
+            canvas_.height() != voldPicture_->height()) {
+            invalidate();
+            return;
+        }
+        const VoldPicture& picture = *voldPicture_;
+        lastRepainted_.clear();
+        changedColumns(picture.columnMap(), picture.width(), picture.values(), painted_, now,
+                       [&](int x1, int x2) {
+                           paintVoldColumns(canvas_, picture, x1, x2, unit_->getCursor(),
+                                            unit_->getSelEndPos());
+                           lastRepainted_.emplace_back(x1, x2);
+                           update(QRect(x1, 0, x2 - x1, picture.height()));
+                       });
+        painted_ = now;
+        return;
+    }
     const WavePaintInput in = paintInput();
     if (canvas_.width() != in.clientWidth || canvas_.height() != in.clientHeight) {
         invalidate();
@@ -352,7 +491,14 @@ void TMDIChildWave::mouseMoveEvent(QMouseEvent* event) {
         if (drawing_->stroking() && (event->buttons() & Qt::LeftButton)) draw(event, false);
         return;
     }
-    emit pointerPosition(QString::fromStdString(writeTime(double(sampleUnder(x)) / freq)));
+    std::string text = writeTime(double(sampleUnder(x)) / freq);
+    if (voldShown() && voldPicture_ && !stale_) {
+        const int y =
+            std::clamp(event->position().toPoint().y(), 0, std::max(0, client.height() - 1));
+        const double hertz = voldPicture_->frequencyAt(y);
+        if (hertz > 0.0) text += ", " + writeFrequency(hertz);
+    }
+    emit pointerPosition(QString::fromStdString(text));
     if (dragging_ && (event->buttons() & Qt::LeftButton)) select(event, false);
 }
 

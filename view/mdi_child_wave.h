@@ -36,12 +36,21 @@
 // length is bracketed by beginKeepZoom / endKeepZoom: the view then keeps the same margins
 // around the part the operation made, cut at the wave's end; an empty wave leaves zoom.
 //
+// Vold mode (showVold / showWave): the window shows the Volume Diagram of its wave
+// (render/vold_picture.h) instead of the waveform, over the same columns. The picture is
+// computed on a thread of the window's own, which holds the sound it reads; a timer shows
+// the columns as they become final. A new sound, new Vold settings, a resize, a scroll or a
+// zoom cancel that computation at once and start a new one; a change of cursor or selection
+// repaints only the columns it touched from the brightness already computed. The pointer
+// shows the time and the frequency under it. A freehand drawing always shows as a waveform.
+//
 // Freehand drawing (view/wave_drawing.h): while it runs the window shows the drawing, the
 // pointer is a pencil, and the mouse draws instead of selecting. endDrawing hands the drawn
 // sound to the caller, who gives it to the document (with an undo snapshot first); the
 // window never changes the document's sound itself.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -53,11 +62,13 @@
 #include "document/unit_wave.h"
 #include "render/canvas.h"
 #include "render/peak_summary.h"
+#include "render/vold_picture.h"
 #include "render/wave_painter.h"
 #include "view/wave_drawing.h"
 #include "view/zoom_geometry.h"
 
 class QScrollBar;
+class QTimer;
 
 namespace orv {
 
@@ -82,8 +93,8 @@ public:
     // ---- what the enabling rules read --------------------------------------------------
     bool drawing() const { return drawing_ != nullptr; }
     bool smoothDrawing() const { return drawing_ && drawing_->kind() == DrawKind::Smooth; }
-    // This window always shows the waveform.
-    bool showsVold() const { return false; }
+    // The window shows the Volume Diagram instead of the waveform.
+    bool showsVold() const { return vold_; }
     // 0 while not zoomed, else how many times wider than the window the wave is (at least 1).
     int zoomFactor() const;
 
@@ -93,6 +104,23 @@ public:
     // The settings windows opened from now on start with ("Use As Default"); for this run.
     static const WaveViewRecord& defaultSettings();
     static void setDefaultSettings(const WaveViewRecord& settings);
+
+    // ---- the Volume Diagram ("Volume Diagram") ------------------------------------------------
+    // ViewVold: shows the diagram with these settings (computing it again when they differ).
+    void showVold(const VoldViewRecord& settings);
+    // ViewWave: back to the waveform (a computation under way is cancelled).
+    void showWave();
+    const VoldViewRecord& voldSettings() const { return voldSettings_; }
+    void setVoldSettings(const VoldViewRecord& settings);
+    static const VoldViewRecord& defaultVoldSettings();
+    static void setDefaultVoldSettings(const VoldViewRecord& settings);
+    // What the Vold picture is made of for the present state.
+    VoldPaintInput voldPaintInput() const;
+    // The picture being computed or computed last; nullptr outside Vold mode or before the
+    // first paint in it.
+    const VoldPicture* voldPicture() const { return voldPicture_.get(); }
+    // Every column of the present picture is computed and on the raster.
+    bool voldComplete() const;
 
     // ---- zoom ------------------------------------------------------------------------------
     bool zoomed() const { return zoomed_; }
@@ -181,6 +209,10 @@ private:
     void draw(QMouseEvent* event, bool press);
     void startPeaks();
     void stopPeaks();
+    bool voldShown() const { return vold_ && !drawing_ && unit_; }
+    void startVold();
+    void stopVold();
+    void pollVold();
 
     TUnitWave* unit_;
     std::function<bool(TMDIChildWave&)> guard_;
@@ -212,6 +244,18 @@ private:
     std::shared_ptr<const Sound> buildingFor_;
     std::shared_ptr<CancelFlag> buildCancel_;
     std::thread builder_;
+
+    // Vold mode: the picture, the sound it reads, its computation and cancel flag, and how
+    // many of its columns the raster shows in colour.
+    bool vold_ = false;
+    VoldViewRecord voldSettings_;
+    std::unique_ptr<VoldPicture> voldPicture_;
+    std::shared_ptr<const Sound> voldSound_;
+    std::unique_ptr<CancelFlag> voldCancel_;
+    std::atomic<bool> voldDone_{false};
+    std::thread voldWorker_;
+    int voldPainted_ = 0;
+    QTimer* voldTimer_;
 };
 
 }  // namespace orv

@@ -111,6 +111,7 @@ private:
     void run(std::string_view name, const CommandInput& input = {});
     void afterCommand();
     void fileNew();
+    void wavePropertiesDialog(const WaveFileProps& start, std::string_view command);
     void fileProperties();
     bool saveUnit(TUnitWave& unit, bool askName);
     void registerDialog();

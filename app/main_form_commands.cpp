@@ -132,15 +132,16 @@ void TMainForm::connectHelp(QObject* dialog) {
 
 // ---- file commands ---------------------------------------------------------------------------
 
-void TMainForm::fileNew() {
+// The Wave Properties dialog from `start`; the command runs with what it accepted.
+void TMainForm::wavePropertiesDialog(const WaveFileProps& start, std::string_view command) {
     const RecordTable<WaveFilePropsRecord>& table = WaveFilePropsRecord::table();
-    const WaveFilePropsRecord start(WaveFileProps{44100, 2, 2});
+    const WaveFilePropsRecord record(start);
     DialogSetup setup;
     setup.spec = &table;
-    setup.initial = showRecord(table, start, &workspace_);
+    setup.initial = showRecord(table, record, &workspace_);
     setup.names = &workspace_;
-    setup.accept = [&table, start](const FormState& state) {
-        WaveFilePropsRecord copy = start;
+    setup.accept = [&table, record](const FormState& state) {
+        WaveFilePropsRecord copy = record;
         return acceptRecord(table, state, copy, FormContext{});
     };
     TRecordDialog dialog(setup, this);
@@ -148,29 +149,17 @@ void TMainForm::fileNew() {
     if (dialog.exec() != QDialog::Accepted) return;
     CommandInput input;
     input.form = AcceptedForm{&table, dialog.state()};
-    run("FileNewWave", input);
+    run(command, input);
 }
+
+void TMainForm::fileNew() { wavePropertiesDialog(WaveFileProps{44100, 2, 2}, "FileNewWave"); }
 
 void TMainForm::fileProperties() {
     TUnitWave* unit = workspace_.active();
     if (!unit) return;
-    const RecordTable<WaveFilePropsRecord>& table = WaveFilePropsRecord::table();
-    const WaveFilePropsRecord start(
-        WaveFileProps{unit->getFreq(), unit->getMonoStereo(), unit->getBytesPSample()});
-    DialogSetup setup;
-    setup.spec = &table;
-    setup.initial = showRecord(table, start, &workspace_);
-    setup.names = &workspace_;
-    setup.accept = [&table, start](const FormState& state) {
-        WaveFilePropsRecord copy = start;
-        return acceptRecord(table, state, copy, FormContext{});
-    };
-    TRecordDialog dialog(setup, this);
-    connectHelp(&dialog);
-    if (dialog.exec() != QDialog::Accepted) return;
-    CommandInput input;
-    input.form = AcceptedForm{&table, dialog.state()};
-    run("FileProperties", input);
+    wavePropertiesDialog(
+        WaveFileProps{unit->getFreq(), unit->getMonoStereo(), unit->getBytesPSample()},
+        "FileProperties");
 }
 
 bool TMainForm::saveUnit(TUnitWave& unit, bool askName) {

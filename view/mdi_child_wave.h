@@ -121,6 +121,8 @@ public:
     const VoldPicture* voldPicture() const { return voldPicture_.get(); }
     // Every column of the present picture is computed and on the raster.
     bool voldComplete() const;
+    // A thread computes the picture now.
+    bool voldComputing() const { return voldWorker_.joinable(); }
 
     // ---- zoom ------------------------------------------------------------------------------
     bool zoomed() const { return zoomed_; }

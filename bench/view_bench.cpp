@@ -18,35 +18,16 @@
 
 #include "core/sound.h"
 #include "core/wave.h"
+#include "bench/hour_of_sound.h"
 #include "render/wave_painter.h"
 #include "view/zoom_geometry.h"
 
 namespace orv {
 namespace {
 
-constexpr std::int32_t kFreq = 44100;
-constexpr std::int32_t kValues = 60 * 60 * kFreq;
-constexpr int kWidth = 1600, kHeight = 400;
+using namespace orv::bench;
 
-WavePtr signal(std::uint32_t seed) {
-    CancelFlag c{0};
-    WavePtr w = newWave(c, kValues);
-    WaveVal* p = w->data();
-    std::uint32_t r = seed;
-    // A slow swell over a tone and noise, made without a sine per sample.
-    for (std::int32_t i = 0; i < kValues; ++i) {
-        r = r * 1664525u + 1013904223u;
-        const int swell = int((i / 4410) % 200) * 100;
-        const int tone = (i / 50) % 2 ? 4000 : -4000;
-        p[i] = WaveVal(((swell + tone + int(r >> 22)) % 30000) - 15000 + int(seed));
-    }
-    return w;
-}
-
-const StereoSound& sound() {
-    static const StereoSound s(signal(1), signal(2), kFreq);
-    return s;
-}
+const StereoSound& sound() { return hourOfSound(); }
 
 WavePaintInput input() {
     WavePaintInput in;

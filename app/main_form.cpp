@@ -124,6 +124,7 @@ TMainForm::TMainForm(QWidget* parent) : QMainWindow(parent) {
 }
 
 TMainForm::~TMainForm() {
+    stopPlayer();
     qApp->removeEventFilter(nameFilter_);
     delete help_;
     idle_->stop();
@@ -252,7 +253,11 @@ void TMainForm::buildStatusBar() {
 void TMainForm::makeTempFolder() {
     const QString folder =
         QDir(QStandardPaths::writableLocation(QStandardPaths::TempLocation)).filePath("orvasto");
-    if (QDir().mkpath(folder)) return;
+    // A folder that another user made is there but of no use to us.
+    if (QDir().mkpath(folder) && QFileInfo(folder).isWritable()) {
+        startPlayer(folder.toStdString());
+        return;
+    }
     showMessage("Error", ("Could not create directory \"" + folder +
                           "\". Play and Record disabled").toStdString());
     workspace_.setPlayAndRecord(false);
@@ -322,13 +327,14 @@ TMDIChildWave* TMainForm::childOf(const TUnitWave* unit) const {
 }
 
 void TMainForm::syncWindows() {
-    // A document the workspace let go of (merged into another) takes its window along.
+    // A document the workspace let go of (split, or merged into another) takes its window
+    // along; the window forgot it as it went.
     for (QMdiSubWindow* sub : mdi_->subWindowList())
         if (auto* child = qobject_cast<TMDIChildWave*>(sub->widget())) {
             const bool open = std::any_of(
                 workspace_.documents().begin(), workspace_.documents().end(),
                 [&](const auto& doc) { return doc.get() == child->unit(); });
-            if (!open && child->unit()) {
+            if (!open || !child->unit()) {
                 child->detach();
                 sub->close();
             }

@@ -19,11 +19,14 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
+#include <QRect>
 #include <QStringList>
 
+#include "app/audio_player.h"
 #include "app/command_runner.h"
 #include "app/help_window.h"
 #include "app/recent_files.h"
+#include "document/player_flow.h"
 #include "document/workspace.h"
 
 class QAction;
@@ -74,6 +77,9 @@ public:
     bool nameEditing() const { return nameEditing_; }
     QMenu* recentMenu() const { return recentMenu_; }
     HelpWindow* helpWindow() const { return help_; }
+    // The media player and the play/record flow; null when the temporary folder is missing.
+    AudioPlayer* audioPlayer() const { return audio_.get(); }
+    PlayerFlow* playerFlow() const { return flow_.get(); }
 
     // The window of a document, or nullptr.
     TMDIChildWave* childOf(const TUnitWave* unit) const;
@@ -103,6 +109,16 @@ private:
     void buildToolBars();
     void buildStatusBar();
     void makeTempFolder();
+
+    // ---- play and record (main_form_player.cpp) ------------------------------------------------
+    void startPlayer(const std::string& folder);
+    void stopPlayer();
+    // FilePlay, FileStop, FilePause, FileRecord.
+    void playerCommand(std::string_view name);
+    // The player's end notification.
+    void playerNotified();
+    // Moves the play cursor to what is being heard, once a screen frame while sound plays.
+    void followPlay();
     void defaultPrompts();
     void rebuildRecentMenu();
 
@@ -141,6 +157,13 @@ private:
 
     // Child windows follow the documents of the workspace.
     void syncWindows();
+    // ---- arranging (main_form_arrange.cpp) --------------------------------------------------
+    // Each document's window and where it is in the MDI area.
+    using WindowBounds = std::map<const TUnitWave*, QRect>;
+    WindowBounds windowBounds() const;
+    // After a split or a merge: the windows of the new documents take the place of the
+    // windows that went (`before` is how the windows lay before the command).
+    void placeMadeWindows(std::string_view command, const WindowBounds& before);
     void subWindowActivated(QMdiSubWindow* window);
     bool closeGuard(TMDIChildWave& child);
     void childClosed(TMDIChildWave* child);
@@ -163,6 +186,12 @@ private:
     QMenu* recentMenu_ = nullptr;
     QTimer* idle_ = nullptr;
     QPointer<HelpWindow> help_;
+
+    // Destroyed in this order: the flow, then the player it drives.
+    std::unique_ptr<AudioPlayer> audio_;
+    std::unique_ptr<PlayerFlow> flow_;
+    QTimer* playClock_ = nullptr;
+    QPointer<TMDIChildWave> playCursorChild_;
 };
 
 }  // namespace orv

@@ -21,6 +21,7 @@
 #include "dialogs/wave_view_dialog.h"
 #include "document/file_props_record.h"
 #include "document/register_check.h"
+#include "document/wave_comparison.h"
 #include "fileio/sound_export.h"
 #include "fileio/sound_import.h"
 #include "view/mdi_child_wave.h"
@@ -78,9 +79,15 @@ void TMainForm::run(std::string_view name, const CommandInput& input) {
     // A zoomed window keeps its margins around the part across a change of length.
     QPointer<TMDIChildWave> child = childOf(workspace_.active());
     if (child) child->beginKeepZoom();
-    runner_->run(name, input, [this, child](const ActionResult&) {
+    // Split and merge put their new windows where the old ones were.
+    const bool arranges = name == "SplitH" || name == "SplitV" || name == "MergeH" || name == "MergeV";
+    WindowBounds before = arranges ? windowBounds() : WindowBounds{};
+    runner_->run(name, input, [this, child, before = std::move(before),
+                               command = std::string(name)](const ActionResult& result) {
         if (child) child->endKeepZoom();
         afterCommand();
+        if (result.kind == ActionResult::Kind::Done && !before.empty())
+            placeMadeWindows(command, before);
     });
 }
 
@@ -105,6 +112,8 @@ void TMainForm::execute(std::string_view name) {
         close();
         return;
     }
+    if (name == "FilePlay" || name == "FileStop" || name == "FilePause" || name == "FileRecord")
+        return playerCommand(name);
     if (name == "HelpAbout") return showAbout();
     if (name == "Register") return registerDialog();
     if (name == "ViewWave") return viewWaveDialog();
@@ -290,6 +299,8 @@ void TMainForm::operationDialog(std::string_view name) {
     // OK checks the fields on a copy of the record; the command itself reads what was
     // accepted.
     setup.accept = [&](const FormState& state) { return workspace_.checkForm(name, state); };
+    // The merge dialogs show the two chosen waves side by side.
+    if (name == "MergeH" || name == "MergeV") setup.sideTable = mergeSideTable(workspace_, form->spec());
     TRecordDialog dialog(setup, this);
     connectHelp(&dialog);
     if (dialog.exec() != QDialog::Accepted) return;

@@ -5,6 +5,8 @@
 //               10-minute stereo TempoPitch computes as a job (goal: never above 50 ms)
 //   overhead    a command on a tiny wave from run() to the document changed: what the frame,
 //               the runner and the job flow add around the computation (goal: <= 10 ms)
+//   playstart   FilePlay on a 10-minute stereo wave until the sound server has played the
+//               first of it (goal: 150 ms); needs a sound server (scripts/sound-server)
 // Times are wall-clock (manual time); run it alone on the machine.
 #include <benchmark/benchmark.h>
 
@@ -12,6 +14,7 @@
 #include <cstdio>
 #include <string>
 
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QTimer>
@@ -131,6 +134,30 @@ void BM_CommandOverhead(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_CommandOverhead)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(50);
+
+void BM_PlayStart10MinuteStereo(benchmark::State& state) {
+    TMainForm frame;
+    frame.show();
+    Workspace& ws = frame.workspace();
+    ws.add(std::make_unique<TUnitWave>(stereoMinutes(10), 2, "ten.wav"));
+    frame.updateActions();
+    QAction* play = frame.action("FilePlay");
+    QAction* stop = frame.action("FileStop");
+    for (auto _ : state) {
+        const auto t0 = Clock::now();
+        play->trigger();
+        const double handed = secondsSince(t0);
+        spin([&] { return frame.audioPlayer()->heardFrame() > 0 || !play->isChecked(); }, 5000);
+        state.SetIterationTime(secondsSince(t0));
+        state.counters["handed_to_sink_ms"] = handed * 1000;
+        if (frame.audioPlayer()->heardFrame() <= 0) {
+            state.SkipWithError("nothing was heard: is a sound server running (scripts/sound-server)?");
+            break;
+        }
+        stop->trigger();
+    }
+}
+BENCHMARK(BM_PlayStart10MinuteStereo)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
 }  // namespace
 }  // namespace orv

@@ -1,6 +1,9 @@
 #include "dialogs/record_dialog.h"
 
 #include <QBoxLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
 #include <QPushButton>
 
 namespace orv {
@@ -63,13 +66,67 @@ TRecordDialog::TRecordDialog(DialogSetup setup, QWidget* parent)
     panel_ = new FormPanel(*setup_.spec, setup_.names,
                            PanelHints{layout_.columnBreaks, layout_.optionsAsList}, this);
     panel_->setState(setup_.initial);
-    buttons_ = arrangeDialog(*this, panel_, layout_.buttons);
+    QWidget* content = setup_.sideTable ? withSideTable(panel_) : panel_;
+    buttons_ = arrangeDialog(*this, content, layout_.buttons);
     if (buttons_.help)
         connect(buttons_.help, &QPushButton::clicked, this,
                 [this] { emit helpRequested(helpContext()); });
 }
 
 const FormState& TRecordDialog::state() const { return panel_->state(); }
+
+QWidget* TRecordDialog::withSideTable(QWidget* form) {
+    auto* content = new QWidget(this);
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(form, 1);
+    sideBox_ = new QGroupBox("Chosen Waves", content);
+    sideBox_->setObjectName("grpChosenWaves");
+    sideGrid_ = new QGridLayout(sideBox_);
+    sideGrid_->setHorizontalSpacing(16);
+    column->addWidget(sideBox_);
+    connect(panel_, &FormPanel::edited, this, &TRecordDialog::refreshSideTable);
+    refreshSideTable();
+    return content;
+}
+
+void TRecordDialog::refreshSideTable() {
+    if (!setup_.sideTable) return;
+    const std::vector<std::vector<std::string>> rows = setup_.sideTable(panel_->state());
+    for (std::size_t r = 0; r < rows.size(); ++r) {
+        if (sideCells_.size() <= r) sideCells_.emplace_back();
+        for (std::size_t c = 0; c < rows[r].size(); ++c) {
+            if (sideCells_[r].size() <= c) {
+                auto* cell = new QLabel(sideBox_);
+                cell->setObjectName(QString("lblChosen_%1_%2").arg(r).arg(c));
+                if (r == 0) {
+                    QFont bold = cell->font();
+                    bold.setBold(true);
+                    cell->setFont(bold);
+                }
+                if (c > 0) {
+                    // Wide enough for long lengths, so the dialog keeps its size while the
+                    // user picks waves.
+                    sideGrid_->setColumnMinimumWidth(
+                        int(c), cell->fontMetrics().horizontalAdvance("00:00.00000 s"));
+                    sideGrid_->setColumnStretch(int(c), 1);
+                }
+                sideGrid_->addWidget(cell, int(r), int(c));
+                sideCells_[r].push_back(cell);
+            }
+            sideCells_[r][c]->setText(QString::fromStdString(rows[r][c]));
+        }
+    }
+    // Cells the table no longer has stay, empty.
+    for (std::size_t r = 0; r < sideCells_.size(); ++r)
+        for (std::size_t c = r < rows.size() ? rows[r].size() : 0; c < sideCells_[r].size(); ++c)
+            sideCells_[r][c]->clear();
+}
+
+void TRecordDialog::showEvent(QShowEvent* event) {
+    refreshSideTable();
+    QDialog::showEvent(event);
+}
 
 void TRecordDialog::accept() {
     if (setup_.accept) {

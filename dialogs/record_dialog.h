@@ -8,10 +8,16 @@
 //             user's text and the failed field gets the focus;
 //   Cancel    closes; nothing was read, nothing changes.
 // The caller takes state() after OK and hands it to the command.
+//
+// A dialog may show a table beside its form (the merge dialogs show the two chosen waves'
+// properties): a group box "Chosen Waves" under the form, made again from the form state
+// when the dialog is shown and after every change the user makes.
 #pragma once
 
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <QDialog>
 
@@ -20,6 +26,9 @@
 #include "document/record_form.h"
 
 class QBoxLayout;
+class QGridLayout;
+class QGroupBox;
+class QLabel;
 class QPushButton;
 
 namespace orv {
@@ -33,6 +42,9 @@ struct DialogSetup {
     std::string_view caption;
     // Accepts the state as OK does, on a copy of the record: the first failure, or nothing.
     std::function<std::optional<FormError>(const FormState&)> accept;
+    // Optional: the rows of cells of the table beside the form, for a state. The first row
+    // and the first column are headings.
+    std::function<std::vector<std::vector<std::string>>(const FormState&)> sideTable;
 };
 
 // The field a failure is about, or kNoField: the first field that counts and bears the
@@ -65,11 +77,22 @@ public:
 signals:
     void helpRequested(int context);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
+    // The form with the table under it.
+    QWidget* withSideTable(QWidget* content);
+    void refreshSideTable();
+
     DialogSetup setup_;
     const DialogLayout& layout_;
     FormPanel* panel_;
     DialogButtons buttons_;
+    QGroupBox* sideBox_ = nullptr;
+    QGridLayout* sideGrid_ = nullptr;
+    // Cells by row, made as the table grows; cells the table no longer has are emptied.
+    std::vector<std::vector<QLabel*>> sideCells_;
 };
 
 }  // namespace orv

@@ -18,6 +18,12 @@ bool PlayerFlow::busy() const {
            playPending_ || recordPending_;
 }
 
+bool PlayerFlow::opened() {
+    if (player_.open()) return true;
+    showMessage("Error", player_.lastError(), MessageIcon::Information);
+    return false;
+}
+
 void PlayerFlow::start(bool recording) {
     player_.setNotify(true);
     player_.setWait(false);
@@ -34,7 +40,9 @@ void PlayerFlow::play() {
     // The selection, or the whole wave without one.
     if (!unit->saveSelection(playFile_, true)) return;
     player_.setFileName(playFile_);
-    if (!player_.open()) return;
+    if (!opened()) return;
+    played_ = unit;
+    playedFrom_ = unit->selBegin();
     if (!pausePending_) {
         start(false);
         // Sound that starts while Pause shows checked ends a pause the player reports.
@@ -45,8 +53,14 @@ void PlayerFlow::play() {
     playChecked_ = true;
 }
 
+// A paused recording is still a recording: Stop and Record keep what it holds.
+bool PlayerFlow::recording() const {
+    const PlayerMode m = player_.mode();
+    return m == PlayerMode::Recording || (m == PlayerMode::Paused && RecordUnitWave != nullptr);
+}
+
 void PlayerFlow::record() {
-    if (player_.mode() == PlayerMode::Recording) {
+    if (recording()) {
         stop();
         return;
     }
@@ -57,7 +71,10 @@ void PlayerFlow::record() {
     if (!unit->save(recordFile_, true)) return;
     RecordUnitWave = unit;
     player_.setFileName(recordFile_);
-    if (!player_.open()) return;
+    if (!opened()) {
+        RecordUnitWave = nullptr;
+        return;
+    }
     if (!pausePending_)
         start(true);
     else
@@ -66,13 +83,14 @@ void PlayerFlow::record() {
 }
 
 void PlayerFlow::stop() {
-    const PlayerMode mode = player_.mode();
+    const bool wasRecording = recording();
     playPending_ = recordPending_ = false;
     pausePending_ = pauseChecked_;
-    if (mode != PlayerMode::Recording) {
+    if (!wasRecording) {
         player_.close();
         playChecked_ = false;
         recordChecked_ = false;
+        played_ = nullptr;
         return;
     }
     ORV_ASSERT_TEXT(RecordUnitWave != nullptr, "RecordUnitWave != NULL", "Main");
@@ -81,8 +99,14 @@ void PlayerFlow::stop() {
     recordChecked_ = false;
     player_.stop();
     player_.setWait(true);
-    player_.save();
+    const bool saved = player_.save();
+    const std::string why = player_.lastError();
     player_.close();
+    if (!saved) {
+        showMessage(kFileErrorCaption, "Cannot keep the recording: " + why,
+                    MessageIcon::Information);
+        return;
+    }
     SoundPtr sound;
     int bytes = 2;
     const char* message = "";
@@ -133,10 +157,12 @@ void PlayerFlow::notify() {
         player_.close();
         playChecked_ = false;
         pausePending_ = false;
+        played_ = nullptr;
     }
 }
 
 void PlayerFlow::forget(const TUnitWave& unit) {
+    if (played_ == &unit) played_ = nullptr;
     if (RecordUnitWave != &unit) return;
     RecordUnitWave = nullptr;
     player_.stop();

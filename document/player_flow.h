@@ -41,6 +41,8 @@ public:
     virtual void setNotify(bool on) = 0;
     // The next operation returns only when it is done.
     virtual void setWait(bool on) = 0;
+    // Why the last open or save failed, in a user's words.
+    virtual std::string lastError() const { return {}; }
 };
 
 inline constexpr std::string_view kPlayFileName = "ovtempplaywave.wav";
@@ -72,17 +74,26 @@ public:
     // A document closes: a recording into it is stopped without reading it back.
     void forget(const TUnitWave& unit);
 
+    // The document whose sound the player holds, and the sample of it the play file starts
+    // at (the play cursor is drawn there); null when nothing plays or the document closed.
+    const TUnitWave* playedUnit() const { return played_; }
+    std::int32_t playedFrom() const { return playedFrom_; }
+
     const std::string& playFile() const { return playFile_; }
     const std::string& recordFile() const { return recordFile_; }
 
 private:
     void start(bool recording);
+    bool opened();
+    bool recording() const;
 
     MediaPlayer& player_;
     Workspace& ws_;
     std::string playFile_;
     std::string recordFile_;
     TUnitWave* RecordUnitWave = nullptr;
+    const TUnitWave* played_ = nullptr;
+    std::int32_t playedFrom_ = 0;
     bool pausePending_ = false;
     bool playPending_ = false;
     bool recordPending_ = false;

@@ -27,6 +27,7 @@ TUnitWave::TUnitWave(SoundPtr sound, std::uint16_t bytesPSample, std::string_vie
 }
 
 TUnitWave::~TUnitWave() {
+    if (view) view->unitGone();
     // The undo record may still point at this unit: it goes first, while the unit exists.
     if (host) host->unitDestroyed(*this);
 }

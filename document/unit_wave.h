@@ -50,6 +50,9 @@ public:
     virtual void showRange(std::int32_t begin, std::int32_t end) = 0;
     // The main frame's status bar should show this unit again.
     virtual void refreshStatus(const TUnitWave& unit) = 0;
+    // The unit is being destroyed (a split or a merge replaced it): forget it, touch nothing
+    // of it.
+    virtual void unitGone() {}
 };
 
 // What a unit needs from the place that keeps all units (the workspace): the registered

@@ -95,6 +95,12 @@ public:
         return std::memcmp(b, expected, bytes) == 0;
     }
 
+    off_t tell() const { return ::lseek(fd_, 0, SEEK_CUR); }
+    bool seek(off_t at) {
+        atEnd_ = false;
+        return ::lseek(fd_, at, SEEK_SET) == at;
+    }
+
     void skip(std::uint32_t bytes) {
         if (bytes == 0 || atEnd_) return;
         if (::lseek(fd_, off_t(bytes), SEEK_CUR) >= 0) return;
@@ -168,11 +174,16 @@ void readSamples(InputFile& file, int channels, int bytesPSample, WaveVal* left,
     }
 }
 
-}  // namespace
+// The format and the data chunk of a file, up to its first sample.
+struct DataLayout {
+    std::uint32_t freq = 0;
+    int channels = 0;
+    int bytesPSample = 0;
+    std::int32_t frames = 0;  // samples per channel
+};
 
-bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const char*& message) {
+bool readLayout(InputFile& file, DataLayout& layout, const char*& message) {
     message = kWavNoErrors;
-    InputFile file(fileName);
     if (!file.isOpen()) {
         message = kWavCannotOpen;
         return false;
@@ -229,7 +240,23 @@ bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const 
         message = kWavTooManySamples;
         return false;
     }
-    const auto n = std::int32_t(count);
+    layout.freq = freq;
+    layout.channels = channels;
+    layout.bytesPSample = bytesPSample;
+    layout.frames = std::int32_t(count);
+    return true;
+}
+
+}  // namespace
+
+bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const char*& message) {
+    InputFile file(fileName);
+    DataLayout layout;
+    if (!readLayout(file, layout, message)) return false;
+    const int channels = layout.channels;
+    const int bytesPSample = layout.bytesPSample;
+    const std::uint32_t freq = layout.freq;
+    const std::int32_t n = layout.frames;
 
     WaveFileChannels result;
     result.freq = std::int32_t(freq);
@@ -256,6 +283,62 @@ bool readWaveChannels(const std::string& fileName, WaveFileChannels& out, const 
     if (right) result.right = std::make_unique<Wave>(right, n);
     readSamples(file, channels, bytesPSample, left, right, n);
     out = std::move(result);
+    return true;
+}
+
+// ---- streaming ---------------------------------------------------------------------------
+
+struct WaveFileStream::Source {
+    explicit Source(const std::string& name) : file(name) {}
+    InputFile file;
+    off_t dataStart = 0;
+};
+
+WaveFileStream::WaveFileStream() = default;
+WaveFileStream::~WaveFileStream() = default;
+
+bool WaveFileStream::open(const std::string& fileName, const char*& message) {
+    source_ = std::make_unique<Source>(fileName);
+    DataLayout layout;
+    if (!readLayout(source_->file, layout, message)) {
+        close();
+        return false;
+    }
+    source_->dataStart = source_->file.tell();
+    freq_ = std::int32_t(layout.freq);
+    channels_ = layout.channels;
+    bytesPSample_ = layout.bytesPSample;
+    frames_ = layout.frames;
+    position_ = 0;
+    return true;
+}
+
+bool WaveFileStream::isOpen() const { return source_ != nullptr; }
+
+void WaveFileStream::close() {
+    source_.reset();
+    freq_ = channels_ = bytesPSample_ = 0;
+    frames_ = position_ = 0;
+}
+
+std::size_t WaveFileStream::frameBytes() const {
+    return std::size_t(channels_) * (bytesPSample_ == 1 ? 1 : 2);
+}
+
+std::size_t WaveFileStream::read(std::uint8_t* out, std::size_t frames) {
+    if (!source_) return 0;
+    frames = std::min<std::size_t>(frames, std::size_t(frames_ - position_));
+    const std::size_t bytes = source_->file.read(out, frames * frameBytes());
+    const std::size_t got = bytes / frameBytes();
+    position_ += std::int32_t(got);
+    if (got < frames) frames_ = position_;  // the file shrank: its end is here now
+    return got;
+}
+
+bool WaveFileStream::seek(std::int32_t frame) {
+    if (!source_ || frame < 0 || frame > frames_) return false;
+    if (!source_->file.seek(source_->dataStart + off_t(frame) * off_t(frameBytes()))) return false;
+    position_ = frame;
     return true;
 }
 

@@ -60,6 +60,47 @@ bool writeWaveChannels(const std::string& fileName, const Wave* left, const Wave
                        std::int32_t freq, int bytesPSample, std::int32_t begin,
                        std::int32_t end, bool temporary, const CancelFlag* cancel = nullptr);
 
+// ---- streaming ---------------------------------------------------------------------------
+
+// A WAV file's samples read as they lie, a block at a time: the player streams the play file
+// to the sound device with it. The header is read by the rules of readWaveChannels (same
+// messages, same data size); the samples come as the file holds them, interleaved whole
+// frames of 8-bit unsigned or 16-bit little-endian signed values.
+class WaveFileStream {
+public:
+    WaveFileStream();
+    ~WaveFileStream();
+    WaveFileStream(const WaveFileStream&) = delete;
+    WaveFileStream& operator=(const WaveFileStream&) = delete;
+
+    // Opens `fileName` and reads its header; `message` as readWaveChannels sets it.
+    bool open(const std::string& fileName, const char*& message);
+    bool isOpen() const;
+    void close();
+
+    std::int32_t freq() const { return freq_; }
+    int channels() const { return channels_; }
+    int bytesPSample() const { return bytesPSample_; }  // 1, else read as 2
+    std::int32_t frames() const { return frames_; }      // samples per channel
+    std::size_t frameBytes() const;
+    std::int32_t position() const { return position_; }  // frames read so far
+
+    // Up to `frames` whole frames into `out`, fewer only at the end of the data (a file that
+    // shrank while playing ends early). The count read.
+    std::size_t read(std::uint8_t* out, std::size_t frames);
+    // Back to frame `frame` (at most frames()).
+    bool seek(std::int32_t frame);
+
+private:
+    struct Source;
+    std::unique_ptr<Source> source_;
+    std::int32_t freq_ = 0;
+    int channels_ = 0;
+    int bytesPSample_ = 0;
+    std::int32_t frames_ = 0;
+    std::int32_t position_ = 0;
+};
+
 // ---- sound level (wav_sound.cpp) --------------------------------------------------------
 
 // Reads a file into a new MonoSound or StereoSound at the file's frequency. On success

@@ -79,6 +79,11 @@ void TMDIChildWave::detach() {
     summarySound_.reset();
 }
 
+void TMDIChildWave::unitGone() {
+    unit_ = nullptr;
+    detach();
+}
+
 QString TMDIChildWave::title() const {
     if (!unit_) return {};
     QString t = QFileInfo(QString::fromStdString(unit_->getFileName())).fileName();
@@ -273,6 +278,30 @@ void TMDIChildWave::paintEvent(QPaintEvent* event) {
     const QRegion rest =
         QRegion(event->rect()) - QRegion(QRect(0, 0, raster.width(), raster.height()));
     for (const QRect& r : rest) painter.fillRect(r, palette().window());
+    // The play cursor inverts what lies under it, so it shows on any colours and never
+    // passes for the edit cursor.
+    playColumn_ = playCursorColumn();
+    if (playColumn_ >= 0 && event->rect().intersects(QRect(playColumn_, 0, 1, raster.height()))) {
+        painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
+        painter.fillRect(QRect(playColumn_, 0, 1, raster.height()), Qt::white);
+    }
+}
+
+int TMDIChildWave::playCursorColumn() const {
+    if (playCursor_ < 0 || values() == 0) return -1;
+    const QRect client = clientRect();
+    const double x = columnAt(visibleRange(), client.width(), playCursor_);
+    return x >= 0 && x < client.width() ? int(x) : -1;
+}
+
+void TMDIChildWave::setPlayCursor(double sample) {
+    playCursor_ = sample < 0 ? -1.0 : sample;
+    const int now = playCursorColumn();
+    if (now == playColumn_) return;
+    const int height = clientRect().height();
+    if (playColumn_ >= 0) update(QRect(playColumn_, 0, 1, height));
+    if (now >= 0) update(QRect(now, 0, 1, height));
+    playColumn_ = now;
 }
 
 void TMDIChildWave::syncSelection() {

@@ -166,12 +166,21 @@ public:
     // The peak summary of the present sound is ready.
     bool peaksReady() const;
 
+    // ---- the play cursor ---------------------------------------------------------------------
+    // A line across the picture at `sample`, a real (it glides between samples as the
+    // sound plays), or none when negative. Only the columns it leaves and enters repaint.
+    void setPlayCursor(double sample);
+    double playCursor() const { return playCursor_; }
+    // Its column in the client area; -1 when it is not shown or lies outside the view.
+    int playCursorColumn() const;
+
     // ---- WaveView --------------------------------------------------------------------------
     void repaint(std::int32_t begin, std::int32_t end) override;
     void repaintAll() override;
     void moveCursor(std::int32_t pos) override;
     void showRange(std::int32_t begin, std::int32_t end) override;
     void refreshStatus(const TUnitWave& unit) override;
+    void unitGone() override;
 
 signals:
     // The status bar should show the unit again (something about it changed).
@@ -227,6 +236,8 @@ private:
     std::vector<std::pair<int, int>> lastRepainted_;
 
     bool dragging_ = false;
+    double playCursor_ = -1.0;
+    int playColumn_ = -1;  // where the play cursor was drawn last
 
     bool zoomed_ = false;
     ZoomFit fit_;

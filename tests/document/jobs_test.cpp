@@ -83,7 +83,7 @@ TEST_F(JobsTest, CancelledJobChangesNothing) {
     const Sound* soundBefore = u.getSound();
     select(u, 4000, 10);
     RecordingView view;
-    u.setView(&view);
+    view.attach(u);
     std::thread worker;
     auto job = startHeld("Volume", {{"Constant", "2"}}, worker);
     ASSERT_TRUE(job);

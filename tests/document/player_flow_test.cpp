@@ -21,15 +21,24 @@ struct FakePlayer : MediaPlayer {
     Samples recorded;  // what "the microphone" gives, saved on save()
     std::int32_t recordFreq = 1000;
     void setFileName(const std::string& f) override { file = f; calls.push_back("file"); }
-    bool open() override { m = PlayerMode::Stopped; calls.push_back("open"); return true; }
+    bool open() override {
+        calls.push_back("open");
+        if (failedOpen) return false;
+        m = PlayerMode::Stopped;
+        return true;
+    }
     void close() override { m = PlayerMode::NotOpen; calls.push_back("close"); }
     void play() override { m = PlayerMode::Playing; calls.push_back("play"); }
     void startRecording() override { m = PlayerMode::Recording; calls.push_back("record"); }
     void pause() override { m = PlayerMode::Paused; calls.push_back("pause"); }
     void stop() override { m = PlayerMode::Stopped; calls.push_back("stop"); }
     bool damagedSave = false;
+    bool failedSave = false;
+    bool failedOpen = false;
+    std::string lastError() const override { return failedOpen ? "no device" : "disk full"; }
     bool save() override {
         calls.push_back("save");
+        if (failedSave) return false;
         if (damagedSave) {
             std::FILE* f = std::fopen(file.c_str(), "wb");
             if (!f) return false;
@@ -176,6 +185,54 @@ TEST_F(PlayerFlowTest, ClosingTheRecordedWaveStopsTheRecording) {
     EXPECT_EQ(flow.recordUnit(), nullptr);
     EXPECT_EQ(player.m, PlayerMode::NotOpen);
     EXPECT_FALSE(flow.recordChecked());
+}
+
+// Stop and Record on a paused recording keep it; a recording the player could not save
+// is reported, and the wave stays as it was.
+TEST_F(PlayerFlowTest, APausedRecordingIsKeptAndAFailedSaveIsReported) {
+    TUnitWave& u = ws.newWave({1000, 1, 2});
+    flow.record();
+    flow.pause();
+    ASSERT_EQ(player.m, PlayerMode::Paused);
+    player.recorded = {3, 4};
+    flow.stop();
+    EXPECT_EQ(samplesOf(u), (Samples{3, 4}));
+    EXPECT_FALSE(flow.recordChecked());
+
+    TUnitWave& v = ws.newWave({1000, 1, 2});
+    flow.record();
+    flow.pause();
+    flow.record();  // the second press stops the paused recording too
+    EXPECT_EQ(samplesOf(v), (Samples{3, 4}));
+
+    TUnitWave& w = ws.newWave({1000, 1, 2});
+    flow.record();
+    player.failedSave = true;
+    flow.stop();
+    EXPECT_EQ(w.values(), 0);
+    EXPECT_EQ(ws.undoRecord()->unit(), &v);  // the last undo is still the one before
+    ASSERT_EQ(shown().size(), 1u);
+    EXPECT_EQ(shown()[0].caption, "File Error");
+    EXPECT_EQ(shown()[0].text, "Cannot keep the recording: disk full");
+}
+
+TEST_F(PlayerFlowTest, APlayerThatCannotOpenSaysWhyAndNothingIsChecked) {
+    TUnitWave& u = load({1, 2, 3});
+    select(u, 1, 3);
+    player.failedOpen = true;
+    flow.play();
+    EXPECT_FALSE(flow.playChecked());
+    EXPECT_EQ(flow.playedUnit(), nullptr);
+    ASSERT_EQ(shown().size(), 1u);
+    EXPECT_EQ(shown()[0].caption, "Error");
+    EXPECT_EQ(shown()[0].text, "no device");
+    player.failedOpen = false;
+    flow.play();
+    EXPECT_EQ(flow.playedUnit(), &u);
+    EXPECT_EQ(flow.playedFrom(), 1);  // the play file starts at the selection
+    player.m = PlayerMode::Stopped;
+    flow.notify();
+    EXPECT_EQ(flow.playedUnit(), nullptr);
 }
 
 }  // namespace

@@ -78,10 +78,21 @@ TEST(UnitWave, SetSelectionKeepsTheAnchorOnTheRight) {  // on the left: in the v
     EXPECT_EQ(u.getSelEndPos(), 10);
 }
 
+// A unit that goes (a split or a merge replaced it) tells its window, which must forget it.
+TEST(UnitWave, ADestroyedUnitTellsItsViewLast) {
+    RecordingView view;
+    {
+        TUnitWave u(mono(rampOf(4)), 2, "a.wav");
+        view.attach(u);
+    }
+    EXPECT_EQ(view.calls, (Lines{"gone"}));
+    EXPECT_EQ(view.unit, nullptr);
+}
+
 TEST(UnitWave, SelectionChangeRepaintsOnlyWhatChangedThenStatusThenCursor) {
     TUnitWave u(mono(rampOf(100)), 2, "a.wav");
     RecordingView view;
-    u.setView(&view);
+    view.attach(u);
     u.setSelection(10, 20);  // from nothing selected (the whole wave) to 10..20
     EXPECT_EQ(view.calls, (Lines{"repaint 0 10", "repaint 20 100", "status", "cursor 10"}));
     view.calls.clear();
@@ -104,7 +115,7 @@ TEST(UnitWave, SelectionChangeRepaintsOnlyWhatChangedThenStatusThenCursor) {
 
     TUnitWave empty("NONAME", WaveFileProps{1000, 1, 2});
     RecordingView emptyView;
-    empty.setView(&emptyView);
+    emptyView.attach(empty);
     empty.setSelection(0, 0);
     empty.setCursor(3);
     EXPECT_EQ(emptyView.calls, (Lines{"status", "status"}));
@@ -170,7 +181,7 @@ using UnitWaveOperations = WorkspaceFixture;
 TEST_F(UnitWaveOperations, VolumeOverTheSelectionRemembersItsRecordAndSelectsTheResult) {
     TUnitWave& u = load({100, -200, 301, 7, 9});
     RecordingView view;
-    u.setView(&view);
+    view.attach(u);
     select(u, 1, 4);
     view.calls.clear();
     u.records().volume.factor.value = 0.5;
@@ -254,7 +265,7 @@ TEST_F(UnitWaveOperations, CancelledOperationLeavesTheUnitExactlyAsItWas) {
     u.setChanged();
     select(u, 4500, 200);
     RecordingView view;
-    u.setView(&view);
+    view.attach(u);
     const Sound* before = u.getSound();
     ChunkHookScope hook(u.cancelFlag(), 1200);
     u.records().volume.factor.value = 2.0;

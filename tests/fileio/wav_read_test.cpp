@@ -191,5 +191,44 @@ TEST_F(WavRead, StorageFailureShowsTheMemoryMessage) {
     }
 }
 
+// The player's stream: the same header rules, then the data bytes as they lie, in blocks,
+// ending where the data ends (a claimed size larger than the file is the file's size), and
+// back to any frame.
+TEST_F(WavRead, StreamGivesTheDataBytesInBlocksAndSeeks) {
+    WaveFileStream stream;
+    writeBytes(dir / "bad.wav", build({.riff = "RIFX"}));
+    EXPECT_FALSE(stream.open(dir / "bad.wav", message));
+    EXPECT_STREQ(message, "\"RIFF\" not found.");
+    EXPECT_FALSE(stream.isOpen());
+    EXPECT_EQ(stream.read(nullptr, 4), 0u);
+
+    // Stereo 16-bit, 3 frames and a half (the half frame is not played), size claimed huge.
+    const Bytes data = le16({1, -1, 2, -2, 3, -3, 4});
+    writeBytes(dir / "in.wav", build({.channels = 2, .freq = 8000, .dataSize = 0xFFFFFFFF, .data = data}));
+    ASSERT_TRUE(stream.open(dir / "in.wav", message));
+    EXPECT_EQ(stream.freq(), 8000);
+    EXPECT_EQ(stream.channels(), 2);
+    EXPECT_EQ(stream.frames(), 3);
+    EXPECT_EQ(stream.frameBytes(), 4u);
+    Bytes block(16, 0xAA);
+    EXPECT_EQ(stream.read(block.data(), 2), 2u);
+    EXPECT_EQ(Bytes(block.begin(), block.begin() + 8), Bytes(data.begin(), data.begin() + 8));
+    EXPECT_EQ(stream.read(block.data(), 5), 1u);  // only one whole frame is left
+    EXPECT_EQ(Bytes(block.begin(), block.begin() + 4), Bytes(data.begin() + 8, data.begin() + 12));
+    EXPECT_EQ(stream.read(block.data(), 5), 0u);
+    EXPECT_EQ(stream.position(), 3);
+    ASSERT_TRUE(stream.seek(1));
+    EXPECT_EQ(stream.read(block.data(), 1), 1u);
+    EXPECT_EQ(Bytes(block.begin(), block.begin() + 4), Bytes(data.begin() + 4, data.begin() + 8));
+    EXPECT_FALSE(stream.seek(4));
+
+    // 8-bit mono: the unsigned bytes as they are.
+    writeBytes(dir / "u8.wav", build({.bits = 8, .dataSize = 3, .data = {0, 128, 255}}));
+    ASSERT_TRUE(stream.open(dir / "u8.wav", message));
+    EXPECT_EQ(stream.bytesPSample(), 1);
+    EXPECT_EQ(stream.read(block.data(), 8), 3u);
+    EXPECT_EQ(Bytes(block.begin(), block.begin() + 3), (Bytes{0, 128, 255}));
+}
+
 }  // namespace
 }  // namespace orv

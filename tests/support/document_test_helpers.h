@@ -28,8 +28,24 @@ inline void select(TUnitWave& u, std::int32_t cursor, std::int32_t end) {
     u.setSelEnd(end);
 }
 
-// Logs every request of a unit to its window, in order.
+// Logs every request of a unit to its window, in order. Attached with attach(), it lets go
+// of the unit when either of the two goes first.
 struct RecordingView : WaveView {
+    RecordingView() = default;
+    RecordingView(const RecordingView&) = delete;
+    RecordingView& operator=(const RecordingView&) = delete;
+    ~RecordingView() override {
+        if (unit && unit->getView() == this) unit->setView(nullptr);
+    }
+    void attach(TUnitWave& u) {
+        u.setView(this);
+        unit = &u;
+    }
+    void unitGone() override {
+        calls.push_back("gone");
+        unit = nullptr;
+    }
+    TUnitWave* unit = nullptr;
     Lines calls;
     void repaint(std::int32_t b, std::int32_t e) override {
         calls.push_back("repaint " + std::to_string(b) + " " + std::to_string(e));

@@ -1,0 +1,449 @@
+#include "app/audio_player.h"
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <QAudioDevice>
+#include <QAudioSink>
+#include <QAudioSource>
+#include <QIODevice>
+#include <QMediaDevices>
+#include <QTimer>
+
+#include "core/platform.h"
+#include "fileio/safe_file_writer.h"
+#include "fileio/wav_file.h"
+
+namespace orv {
+
+namespace {
+
+std::int64_t nowNs() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// The play file as the sink pulls it: whole frames straight from the file.
+class StreamFeed final : public QIODevice {
+public:
+    explicit StreamFeed(WaveFileStream& stream) : stream_(stream) {
+        QIODevice::open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+    bool isSequential() const override { return true; }
+    // The sink reads nothing from a device that does not say what it has.
+    qint64 bytesAvailable() const override {
+        return qint64(stream_.frames() - stream_.position()) * qint64(stream_.frameBytes());
+    }
+    bool atEnd() const override { return stream_.position() >= stream_.frames(); }
+
+protected:
+    qint64 readData(char* data, qint64 max) override {
+        const std::size_t frameBytes = stream_.frameBytes();
+        const std::size_t frames =
+            stream_.read(reinterpret_cast<std::uint8_t*>(data), std::size_t(max) / frameBytes);
+        return qint64(frames * frameBytes);
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    WaveFileStream& stream_;
+};
+
+std::string describe(const QAudioFormat& f) {
+    return std::to_string(f.bytesPerSample() * 8) + "-bit " +
+           (f.channelCount() == 2 ? "stereo" : "mono") + " sound at " +
+           std::to_string(f.sampleRate()) + " Hz";
+}
+
+}  // namespace
+
+// The player's half on its own thread: the stream, the sink or the source, and the clock that
+// reads the heard position and notices the end.
+class AudioPlayer::Device final : public QObject {
+public:
+    explicit Device(AudioPlayer& owner) : owner_(owner), clock_(this) {
+        // Often enough for a cursor that moves every screen frame.
+        clock_.setInterval(5);
+        clock_.setTimerType(Qt::PreciseTimer);
+        connect(&clock_, &QTimer::timeout, this, &Device::tick);
+    }
+    ~Device() override { close(); }
+
+    std::string file;
+    bool notify = false;
+
+    bool open() {
+        close();
+        const char* message = kWavNoErrors;
+        if (!stream_.open(file, message)) {
+            setError("Cannot read the file: \"" + file + "\", " + message);
+            return false;
+        }
+        format_.setSampleRate(stream_.freq());
+        format_.setChannelCount(stream_.channels());
+        format_.setSampleFormat(stream_.bytesPSample() == 1 ? QAudioFormat::UInt8
+                                                            : QAudioFormat::Int16);
+        owner_.freq_ = stream_.freq();
+        setMode(PlayerMode::Stopped);
+        return true;
+    }
+
+    void close() {
+        if (pausedArmed_) post();
+        armed_ = pausedArmed_ = false;
+        dropSink();
+        dropSource();
+        recorded_.clear();
+        recorded_.shrink_to_fit();
+        stream_.close();
+        owner_.freq_ = 0;
+        setMode(PlayerMode::NotOpen);
+    }
+
+    void play() {
+        const PlayerMode m = owner_.mode();
+        if (m == PlayerMode::Paused) return resume();
+        if (m != PlayerMode::Stopped) return;
+        armed_ = notify;
+        if (!stream_.seek(0) || stream_.frames() == 0) return finish();
+        const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+        if (device.isNull()) return fail("There is no sound device to play on.");
+        if (!device.isFormatSupported(format_))
+            return fail("The sound device cannot play " + describe(format_) + ".");
+        sink_ = std::make_unique<QAudioSink>(device, format_);
+        feed_ = std::make_unique<StreamFeed>(stream_);
+        connect(sink_.get(), &QAudioSink::stateChanged, this, &Device::sinkState);
+        totalUs_ = std::int64_t(stream_.frames()) * 1000000 / stream_.freq();
+        draining_ = false;
+        owner_.underruns_ = 0;
+        setMode(PlayerMode::Playing);
+        sink_->start(feed_.get());
+        if (sink_->error() != QAudio::NoError)
+            return fail("The sound device could not start playing " + describe(format_) + ".");
+        publish(0, true);
+        clock_.start();
+    }
+
+    void startRecording() {
+        if (owner_.mode() != PlayerMode::Stopped) return;
+        armed_ = notify;
+        const QAudioDevice device = QMediaDevices::defaultAudioInput();
+        if (device.isNull()) return fail("There is no sound device to record from.");
+        if (!device.isFormatSupported(format_))
+            return fail("The sound device cannot record " + describe(format_) + ".");
+        recorded_.clear();
+        source_ = std::make_unique<QAudioSource>(device, format_);
+        recordIo_ = source_->start();
+        if (!recordIo_ || source_->error() != QAudio::NoError)
+            return fail("The sound device could not start recording " + describe(format_) + ".");
+        connect(recordIo_, &QIODevice::readyRead, this, &Device::takeRecorded);
+        setMode(PlayerMode::Recording);
+    }
+
+    void pause() {
+        const PlayerMode m = owner_.mode();
+        if (m == PlayerMode::Playing) {
+            sink_->suspend();
+            publish(sink_->processedUSecs(), false);
+        } else if (m == PlayerMode::Recording) {
+            takeRecorded();
+            source_->suspend();
+        } else {
+            return;
+        }
+        pausedArmed_ = armed_;
+        armed_ = false;
+        setMode(PlayerMode::Paused);
+    }
+
+    void stop() {
+        const PlayerMode m = owner_.mode();
+        if (m != PlayerMode::Playing && m != PlayerMode::Recording && m != PlayerMode::Paused)
+            return;
+        dropSink();
+        if (source_) {
+            takeRecorded();
+            dropSource();
+        }
+        setMode(PlayerMode::Stopped);
+        if (armed_ || pausedArmed_) post();
+        armed_ = pausedArmed_ = false;
+    }
+
+    // Hands over what was recorded (the caller writes it).
+    std::vector<std::uint8_t> takeRecording() {
+        if (source_) takeRecorded();
+        return std::move(recorded_);
+    }
+    const WaveFileStream& stream() const { return stream_; }
+
+private:
+    void setMode(PlayerMode m) { owner_.mode_ = m; }
+
+    void setError(std::string text) {
+        std::lock_guard lock(owner_.errorLock_);
+        owner_.error_ = std::move(text);
+    }
+
+    // The notification, queued to the owner's thread.
+    void post() {
+        AudioPlayer* owner = &owner_;
+        QMetaObject::invokeMethod(owner, [owner] { emit owner->notified(); }, Qt::QueuedConnection);
+    }
+
+    void publish(std::int64_t us, bool advancing) {
+        owner_.heardUs_ = us;
+        owner_.heardStampNs_ = nowNs();
+        owner_.advancing_ = advancing;
+    }
+
+    // The operation could not start or broke off: it ends here, and the user is told why.
+    void fail(std::string text) {
+        setError(text);
+        AudioPlayer* owner = &owner_;
+        QMetaObject::invokeMethod(
+            owner, [text] { showMessage("Error", text); }, Qt::QueuedConnection);
+        dropSink();
+        dropSource();
+        setMode(PlayerMode::Stopped);
+        if (armed_) post();
+        armed_ = false;
+    }
+
+    void resume() {
+        if (sink_) {
+            sink_->resume();
+            publish(sink_->processedUSecs(), true);
+            setMode(PlayerMode::Playing);
+        } else if (source_) {
+            source_->resume();
+            setMode(PlayerMode::Recording);
+        } else {
+            setMode(PlayerMode::Stopped);
+        }
+        if (pausedArmed_) post();
+        pausedArmed_ = false;
+        armed_ = notify;
+    }
+
+    // The sound has been heard to its end.
+    void finish() {
+        dropSink();
+        setMode(PlayerMode::Stopped);
+        if (armed_) post();
+        armed_ = false;
+    }
+
+    void sinkState(QAudio::State state) {
+        if (!sink_) return;
+        if (state == QAudio::IdleState) {
+            // The sink has taken the last bytes; what it holds is still to be heard.
+            if (feed_->atEnd()) {
+                if (!draining_) drainStartNs_ = nowNs();
+                draining_ = true;
+            } else {
+                ++owner_.underruns_;
+            }
+        } else if (state == QAudio::StoppedState && sink_->error() != QAudio::NoError &&
+                   owner_.mode() == PlayerMode::Playing) {
+            fail("The sound device stopped playing.");
+        }
+    }
+
+    void tick() {
+        if (!sink_) {
+            clock_.stop();
+            return;
+        }
+        if (owner_.mode() != PlayerMode::Playing) return;
+        const std::int64_t us = sink_->processedUSecs();
+        publish(us, true);
+        // The sink's time stops a little short of the sound's length on some servers; a
+        // sink that has been idle for a second longer than it held is done in any case.
+        constexpr std::int64_t kSlackUs = 2000;
+        if (draining_ && (us + kSlackUs >= totalUs_ || nowNs() - drainStartNs_ > 1'500'000'000))
+            finish();
+    }
+
+    void takeRecorded() {
+        if (!recordIo_) return;
+        const QByteArray bytes = recordIo_->readAll();
+        recorded_.insert(recorded_.end(), bytes.begin(), bytes.end());
+    }
+
+    void dropSink() {
+        clock_.stop();
+        if (sink_) {
+            sink_->disconnect(this);
+            sink_->stop();
+        }
+        sink_.reset();
+        feed_.reset();
+        draining_ = false;
+        publish(-1, false);
+    }
+
+    void dropSource() {
+        if (source_) {
+            source_->disconnect(this);
+            if (recordIo_) recordIo_->disconnect(this);
+            source_->stop();
+        }
+        source_.reset();
+        recordIo_ = nullptr;
+    }
+
+    AudioPlayer& owner_;
+    QTimer clock_;
+    WaveFileStream stream_;
+    QAudioFormat format_;
+    std::unique_ptr<QAudioSink> sink_;
+    std::unique_ptr<StreamFeed> feed_;
+    std::unique_ptr<QAudioSource> source_;
+    QIODevice* recordIo_ = nullptr;
+    std::vector<std::uint8_t> recorded_;
+    std::int64_t totalUs_ = 0;
+    bool draining_ = false;
+    std::int64_t drainStartNs_ = 0;
+    bool armed_ = false;        // the running operation notifies when it ends
+    bool pausedArmed_ = false;  // the paused operation notifies when it is given up
+};
+
+template <class Work>
+auto AudioPlayer::onDevice(Work work) {
+    using Result = std::invoke_result_t<Work, Device&>;
+    if constexpr (std::is_void_v<Result>) {
+        QMetaObject::invokeMethod(device_, [&] { work(*device_); }, Qt::BlockingQueuedConnection);
+    } else {
+        Result result{};
+        QMetaObject::invokeMethod(
+            device_, [&] { result = work(*device_); }, Qt::BlockingQueuedConnection);
+        return result;
+    }
+}
+
+AudioPlayer::AudioPlayer(QObject* parent) : QObject(parent) {
+    thread_.setObjectName("AudioPlayer");
+    device_ = new Device(*this);
+    device_->moveToThread(&thread_);
+    thread_.start();
+}
+
+AudioPlayer::~AudioPlayer() {
+    onDevice([](Device& d) { delete &d; });
+    thread_.quit();
+    thread_.wait();
+}
+
+void AudioPlayer::setFileName(const std::string& file) {
+    onDevice([file](Device& d) { d.file = file; });
+}
+
+bool AudioPlayer::open() {
+    {
+        std::lock_guard lock(errorLock_);
+        error_.clear();
+    }
+    return onDevice([](Device& d) { return d.open(); });
+}
+
+void AudioPlayer::close() {
+    onDevice([](Device& d) { d.close(); });
+}
+
+void AudioPlayer::play() {
+    onDevice([](Device& d) { d.play(); });
+    if (std::exchange(wait_, false))
+        while (mode() == PlayerMode::Playing) QThread::msleep(5);
+}
+
+void AudioPlayer::startRecording() {
+    wait_ = false;  // a recording runs until it is stopped: nothing to wait for
+    onDevice([](Device& d) { d.startRecording(); });
+}
+
+void AudioPlayer::pause() {
+    onDevice([](Device& d) { d.pause(); });
+}
+
+void AudioPlayer::stop() {
+    onDevice([](Device& d) { d.stop(); });
+}
+
+bool AudioPlayer::save() {
+    wait_ = false;  // always done when it returns
+    struct Taken {
+        std::vector<std::uint8_t> bytes;
+        std::string file;
+        std::int32_t freq = 0;
+        int channels = 0;
+        int bytesPSample = 0;
+    };
+    Taken t = onDevice([](Device& d) {
+        Taken taken;
+        taken.bytes = d.takeRecording();
+        taken.file = d.file;
+        taken.freq = d.stream().freq();
+        taken.channels = d.stream().channels();
+        taken.bytesPSample = d.stream().bytesPSample();
+        return taken;
+    });
+    if (t.channels == 0) return false;  // nothing open
+    // Written here, on the caller's thread: a message it raises must not wait for a thread
+    // that waits for this one.
+    const std::size_t sampleBytes = t.bytesPSample == 1 ? 1 : 2;
+    const auto n = std::int32_t(std::min<std::size_t>(
+        t.bytes.size() / (sampleBytes * std::size_t(t.channels)), std::size_t(INT32_MAX)));
+    WaveVal* left = allocateSamples(n);
+    WaveVal* right = t.channels == 2 ? allocateSamples(n) : nullptr;
+    if (!left || (t.channels == 2 && !right)) {
+        freeSamples(left);
+        freeSamples(right);
+        std::lock_guard lock(errorLock_);
+        error_ = "There is not enough memory to keep the recording.";
+        return false;
+    }
+    Wave l(left, n);
+    std::unique_ptr<Wave> r = right ? std::make_unique<Wave>(right, n) : nullptr;
+    const std::uint8_t* in = t.bytes.data();
+    if (t.channels == 1)
+        sampleBytes == 1 ? decodeMono8(in, left, n) : decodeMono16(in, left, n);
+    else
+        sampleBytes == 1 ? decodeStereo8(in, left, right, n) : decodeStereo16(in, left, right, n);
+    if (writeWaveChannels(t.file, &l, r.get(), t.freq, t.bytesPSample == 1 ? 1 : 2, 0, n, true))
+        return true;
+    const WriteFailure failure = lastWriteFailure();
+    std::lock_guard lock(errorLock_);
+    error_ = "\"" + failure.file + "\": " + failure.reason;
+    return false;
+}
+
+void AudioPlayer::setNotify(bool on) {
+    onDevice([on](Device& d) { d.notify = on; });
+}
+
+void AudioPlayer::setWait(bool on) { wait_ = on; }
+
+double AudioPlayer::heardFrame() const {
+    std::int64_t us = heardUs_.load();
+    const std::int32_t freq = freq_.load();
+    if (us < 0 || freq <= 0) return -1;
+    if (advancing_.load()) {
+        // Between two readings the sound goes on; never guess more than a reading's gap ahead.
+        const std::int64_t since = (nowNs() - heardStampNs_.load()) / 1000;
+        us += std::clamp<std::int64_t>(since, 0, 20000);
+    }
+    return double(us) * freq / 1e6;
+}
+
+std::string AudioPlayer::lastError() const {
+    std::lock_guard lock(errorLock_);
+    return error_;
+}
+
+}  // namespace orv

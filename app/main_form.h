@@ -27,6 +27,8 @@
 #include "app/help_window.h"
 #include "app/recent_files.h"
 #include "document/player_flow.h"
+#include "document/records_view.h"
+#include "document/records_vold.h"
 #include "document/workspace.h"
 
 class QAction;
@@ -158,12 +160,18 @@ private:
     // Child windows follow the documents of the workspace.
     void syncWindows();
     // ---- arranging (main_form_arrange.cpp) --------------------------------------------------
-    // Each document's window and where it is in the MDI area.
-    using WindowBounds = std::map<const TUnitWave*, QRect>;
-    WindowBounds windowBounds() const;
+    // How the windows lay before a split or a merge, and the display settings of the window
+    // its new windows look like (the source's; a merge's choice of "First" or "Last").
+    struct Arrangement {
+        std::map<const TUnitWave*, QRect> bounds;
+        bool hasLook = false;
+        WaveViewRecord settings;
+        VoldViewRecord voldSettings;
+    };
+    Arrangement arrangementFor(std::string_view command, const CommandInput& input) const;
     // After a split or a merge: the windows of the new documents take the place of the
-    // windows that went (`before` is how the windows lay before the command).
-    void placeMadeWindows(std::string_view command, const WindowBounds& before);
+    // windows that went, and the chosen look.
+    void placeMadeWindows(std::string_view command, const Arrangement& before);
     void subWindowActivated(QMdiSubWindow* window);
     bool closeGuard(TMDIChildWave& child);
     void childClosed(TMDIChildWave* child);

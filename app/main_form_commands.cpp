@@ -81,12 +81,12 @@ void TMainForm::run(std::string_view name, const CommandInput& input) {
     if (child) child->beginKeepZoom();
     // Split and merge put their new windows where the old ones were.
     const bool arranges = name == "SplitH" || name == "SplitV" || name == "MergeH" || name == "MergeV";
-    WindowBounds before = arranges ? windowBounds() : WindowBounds{};
+    Arrangement before = arranges ? arrangementFor(name, input) : Arrangement{};
     runner_->run(name, input, [this, child, before = std::move(before),
                                command = std::string(name)](const ActionResult& result) {
         if (child) child->endKeepZoom();
         afterCommand();
-        if (result.kind == ActionResult::Kind::Done && !before.empty())
+        if (result.kind == ActionResult::Kind::Done && !before.bounds.empty())
             placeMadeWindows(command, before);
     });
 }
@@ -300,7 +300,10 @@ void TMainForm::operationDialog(std::string_view name) {
     // accepted.
     setup.accept = [&](const FormState& state) { return workspace_.checkForm(name, state); };
     // The merge dialogs show the two chosen waves side by side.
-    if (name == "MergeH" || name == "MergeV") setup.sideTable = mergeSideTable(workspace_, form->spec());
+    if (name == "MergeH" || name == "MergeV") {
+        presetMergeWaves(form->spec(), setup.initial, workspace_, unit);
+        setup.sideTable = mergeSideTable(workspace_, form->spec());
+    }
     TRecordDialog dialog(setup, this);
     connectHelp(&dialog);
     if (dialog.exec() != QDialog::Accepted) return;

@@ -33,6 +33,16 @@ WaveComparison compareWaves(const TUnitWave* a, const TUnitWave* b, std::string_
 // of the form state, finds the waves among `workspace`'s registered names and compares them
 // under the fields' captions ("First" / "Last", "Left" / "Right"). `workspace` and `spec`
 // must outlive the function. Asserts that the form has two wave fields.
+// A merge dialog that has no waves of its own yet starts with a choice made: the active wave
+// first (when it has a name), then the first other named wave. A name still open is kept.
+void presetMergeWaves(const FormSpec& spec, FormState& state, const Workspace& workspace,
+                      const TUnitWave* active);
+
+// The wave whose display settings the merged wave's window takes: the one of the two chosen
+// under "Use Display Properties of"; null when it is not open under that name.
+const TUnitWave* mergeDisplaySource(const FormSpec& spec, const FormState& state,
+                                    const Workspace& workspace);
+
 std::function<WaveComparison(const FormState&)> mergeSideTable(const Workspace& workspace,
                                                                const FormSpec& spec);
 

@@ -131,7 +131,7 @@ class SoundTest : public QObject {
     Q_OBJECT
 private slots:
     void thePlayerPlaysTheFileToItsEndAndTheCursorFollows();
-    void theFramePlaysWithoutGapsWhileAPictureComputes();
+    void theFramePlaysWithoutGapsWhileAPictureAndAnOperationCompute();
     void theFrameRecordsIntoTheEmptyWave();
     void pauseHoldsThePositionAndResumeGoesOn();
 };
@@ -179,7 +179,7 @@ void SoundTest::thePlayerPlaysTheFileToItsEndAndTheCursorFollows() {
     QCOMPARE(ended.count(), 1);  // one notification only
 }
 
-void SoundTest::theFramePlaysWithoutGapsWhileAPictureComputes() {
+void SoundTest::theFramePlaysWithoutGapsWhileAPictureAndAnOperationCompute() {
     REQUIRE_SOUND_SERVER();
     RecordingPlatformScope platform;
     TempDir dir;
@@ -213,19 +213,33 @@ void SoundTest::theFramePlaysWithoutGapsWhileAPictureComputes() {
     play->trigger();
     QVERIFY(play->isChecked());
     QVERIFY(stop->isEnabled());
+    // And an operation computes on the noise while the tone plays.
+    frame.workspace().setActive(noise->unit());
+    noise->unit()->records().tempoPitch.lengthFactor.value = 32;  // seconds of work
+    QElapsedTimer clock;
+    clock.start();
+    qint64 computedAt = 0;
+    bool computed = false;
+    frame.runner().run("TempoPitch", {}, [&](const ActionResult& r) {
+        computed = r.kind == ActionResult::Kind::Done;
+        computedAt = clock.elapsed();
+    });
     // The play cursor moves across the played window.
     QTRY_VERIFY_WITH_TIMEOUT(toneChild->playCursor() > 0.25 * kRate, 5000);
     const int column = toneChild->playCursorColumn();
     QTRY_VERIFY_WITH_TIMEOUT(toneChild->playCursorColumn() > column, 5000);
     QVERIFY(noise->voldComputing() || noise->voldComplete());
     QTRY_VERIFY_WITH_TIMEOUT(!play->isChecked(), 10000);
+    const qint64 playedFor = clock.elapsed();
+    QTRY_VERIFY_WITH_TIMEOUT(computed, 60000);
+    qInfo("played for %lld ms; the operation computed for %lld ms", playedFor, computedAt);
     QVERIFY(!stop->isEnabled());
     QCOMPARE(toneChild->playCursor(), -1.0);
-    QCOMPARE(frame.audioPlayer()->underruns(), 0);
     QTest::qWait(150);
     const WavePtr heard = listener.stop();
     QVERIFY(heard);
     expectTone(*heard, 1.5);
+    QCOMPARE(frame.audioPlayer()->underruns(), 0);
     QVERIFY(platform.recorder.messages.empty());
 }
 

@@ -77,6 +77,10 @@ void SplitMergeWindowsTest::splitVerticallyStacksTheChannelsInTheOldPlace() {
     TUnitWave* source = open("st.wav", waveOf({1, 2, 3}), waveOf({-1, -2, -3}));
     QVERIFY(source);
     subOf(*frame_, source)->setGeometry(QRect(10, 20, 400, 301));
+    WaveViewRecord look = frame_->childOf(source)->settings();
+    look.twoSingleWaves = !look.twoSingleWaves;
+    look.background = 0x123456;
+    frame_->childOf(source)->setSettings(look);
     frame_->action("SplitV")->trigger();
     const auto& docs = frame_->workspace().documents();
     QCOMPARE(docs.size(), std::size_t(2));
@@ -87,6 +91,8 @@ void SplitMergeWindowsTest::splitVerticallyStacksTheChannelsInTheOldPlace() {
     QCOMPARE(samplesOf(docs[0]->getSound()->GetLeftWave()), (std::vector<WaveVal>{1, 2, 3}));
     QCOMPARE(samplesOf(docs[1]->getSound()->GetLeftWave()), (std::vector<WaveVal>{-1, -2, -3}));
     QCOMPARE(frame_->childOf(docs[0].get())->title(), QString("NONAME"));
+    for (const auto& doc : docs)  // both look like the window they came from
+        QCOMPARE(frame_->childOf(doc.get())->settings().background, ColorRef(0x123456));
     QVERIFY(messages_->recorder.messages.empty());
 }
 
@@ -126,6 +132,9 @@ void SplitMergeWindowsTest::mergeHorizontallyShowsBothWavesAndJoinsThem() {
     QVERIFY(frame_->workspace().registerName(*b, "b"));
     subOf(*frame_, a)->setGeometry(QRect(0, 0, 200, 100));
     subOf(*frame_, b)->setGeometry(QRect(200, 100, 300, 50));
+    WaveViewRecord look = frame_->childOf(b)->settings();
+    look.background = 0x654321;
+    frame_->childOf(b)->setSettings(look);
     frame_->updateActions();
     whenModal([](QDialog* d) {
         chooseInList(control<QComboBox>(d, "cboFirst"), "a");
@@ -137,6 +146,7 @@ void SplitMergeWindowsTest::mergeHorizontallyShowsBothWavesAndJoinsThem() {
         QCOMPARE(control<QLabel>(d, "lblChosen_2_1")->text(), QString("22050 Hz"));
         QCOMPARE(control<QLabel>(d, "lblChosen_2_2")->text(), QString("44100 Hz"));
         chooseInList(control<QComboBox>(d, "cboFrequency"), "22 kHz");
+        QTest::mouseClick(control<QRadioButton>(d, "optUseDisplayPropertiesofLast"), Qt::LeftButton);
         QTest::mouseClick(control<QPushButton>(d, "OKBtn"), Qt::LeftButton);
     });
     frame_->action("MergeH")->trigger();
@@ -145,6 +155,7 @@ void SplitMergeWindowsTest::mergeHorizontallyShowsBothWavesAndJoinsThem() {
     QCOMPARE(frame_->mdiArea()->subWindowList().size(), 1);
     // Corners halfway: (0 + 200) / 2, (0 + 100) / 2 to (200 + 500) / 2, (100 + 150) / 2.
     QCOMPARE(subOf(*frame_, docs[0].get())->geometry(), QRect(100, 50, 250, 75));
+    QCOMPARE(frame_->childOf(docs[0].get())->settings().background, ColorRef(0x654321));  // Last's
     const Sound& made = *docs[0]->getSound();
     QCOMPARE(made.Freq, 22050);
     QVERIFY(made.GetRightWave() != nullptr);  // stereo, as the last one

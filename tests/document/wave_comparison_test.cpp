@@ -77,6 +77,32 @@ TEST_F(MergeSideTable, ReadsTheChosenNamesUnderTheFieldCaptions) {
     EXPECT_EQ(vertTable(v), compareWaves(nullptr, nullptr, "Left", "Right"));
 }
 
+// A dialog without a choice of its own starts from the active wave and another named one;
+// names that still belong to open waves stay.
+TEST_F(MergeSideTable, PresetChoosesTheActiveWaveThenAnother) {
+    TUnitWave& low = ws.add(lowWave());
+    TUnitWave& high = ws.add(highWave());
+    TUnitWave& unnamed = ws.add(lowWave());
+    ASSERT_TRUE(ws.registerName(low, "low"));
+    ASSERT_TRUE(ws.registerName(high, "high"));
+    const FormSpec& hor = MergeHorRecord::table();
+    FormState state = showRecord(MergeHorRecord::table(), MergeHorRecord{}, &ws);
+    presetMergeWaves(hor, state, ws, &high);
+    EXPECT_EQ(state.fields[0].text, "high");
+    EXPECT_EQ(state.fields[1].text, "low");
+    // An unnamed active wave cannot be chosen: the named ones in their order.
+    state = showRecord(MergeHorRecord::table(), MergeHorRecord{}, &ws);
+    presetMergeWaves(hor, state, ws, &unnamed);
+    EXPECT_EQ(state.fields[0].text, "low");
+    EXPECT_EQ(state.fields[1].text, "high");
+    // A choice made before is kept.
+    chooseWave(hor, state, 0, "high", &ws);
+    chooseWave(hor, state, 1, "low", &ws);
+    presetMergeWaves(hor, state, ws, &low);
+    EXPECT_EQ(state.fields[0].text, "high");
+    EXPECT_EQ(state.fields[1].text, "low");
+}
+
 TEST(MergeSideTableDeathTest, AFormWithoutTwoWaveFieldsAsserts) {
     Workspace ws;
     EXPECT_DEATH(mergeSideTable(ws, VolumeRecord::table()),

@@ -224,6 +224,7 @@ private:
         if (sink_) {
             sink_->resume();
             publish(sink_->processedUSecs(), true);
+            drainStartNs_ = nowNs();  // the time a pause took is not the sink's time to drain
             setMode(PlayerMode::Playing);
         } else if (source_) {
             source_->resume();

@@ -121,6 +121,10 @@ void TMainForm::execute(std::string_view name) {
     if (name == "ZoomIn" || name == "NoZoom") return zoomActive(name == "ZoomIn");
     if (name == "SelectWave") return toggleSelectAndZoom();
     if (name == "DrawWaveLin" || name == "DrawWave3G") return drawWave(name == "DrawWave3G");
+    // Cut at the cursor: with no part selected there is nothing for the dialog to decide.
+    if (name == "SplitH" && workspace_.active() &&
+        workspace_.active()->getCursor() == workspace_.active()->getSelEndPos())
+        return run(name);
     // Every other action with a dialog shows it first.
     if (!def->form.empty() && workspace_.active()) return operationDialog(name);
     switch (def->flow) {

@@ -106,6 +106,7 @@ private slots:
     void openFilesRecentDropAndBadFile();
     void helpPagesForEveryDialog();
     void aboutBoxDrawsItsOwnPicture();
+    void noTemporaryFolderMeansNoPlayOrRecord();
 };
 
 void MainFormTest::init() {
@@ -578,6 +579,38 @@ void MainFormTest::aboutBoxDrawsItsOwnPicture() {
     });
     QTest::keyClick(frame_.get(), Qt::Key_F1, Qt::AltModifier);
     QVERIFY(!test::cancelPendingModals());
+}
+
+// A temporary folder that cannot be made: one message at start, and Play and Record stay off
+// for the run while everything else works.
+void MainFormTest::noTemporaryFolderMeansNoPlayOrRecord() {
+    frame_.reset();
+    messages_->recorder.messages.clear();
+    // A file where the folder should be: no user can make the folder.
+    const QString blocked = dir_.filePath("tmp");
+    QVERIFY(QDir().mkpath(blocked));
+    QFile file(blocked + "/orvasto");
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    const QByteArray tmp = qgetenv("TMPDIR");
+    qputenv("TMPDIR", blocked.toUtf8());
+    frame_ = std::make_unique<TMainForm>();
+    qputenv("TMPDIR", tmp);
+    if (tmp.isEmpty()) qunsetenv("TMPDIR");
+    QCOMPARE(messages().size(), std::size_t(1));
+    QCOMPARE(messages()[0].caption, std::string("Error"));
+    QCOMPARE(QString::fromStdString(messages()[0].text),
+             "Could not create directory \"" + blocked + "/orvasto\". Play and Record disabled");
+    QCOMPARE(frame_->audioPlayer(), nullptr);
+    frame_->runner().setInline(true);
+    frame_->workspace().newWave(WaveFileProps{44100, 1, 2});
+    frame_->workspace().runAction("MakeSinus", {{"Length", "10 ms"}});
+    frame_->updateActions();
+    QVERIFY(!frame_->action("FilePlay")->isEnabled());
+    QVERIFY(!frame_->action("FileRecord")->isEnabled());
+    QVERIFY(frame_->action("Reverse")->isEnabled());
+    QCOMPARE(frame_->workspace().status("FilePlay").reason,
+             std::string_view("the temporary folder for playing is missing"));
 }
 
 QTEST_MAIN(MainFormTest)

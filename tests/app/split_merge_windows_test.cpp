@@ -97,14 +97,14 @@ void SplitMergeWindowsTest::splitVerticallyStacksTheChannelsInTheOldPlace() {
 }
 
 void SplitMergeWindowsTest::splitHorizontallyLaysThePiecesSideBySide() {
-    TUnitWave* source = open("m.wav", waveOf({1, 2, 3, 4, 5, 6}), nullptr);
+    TUnitWave* source = open("m.wav", waveOf({1, 2, 3, 4, 5, 6, 7, 8, 9}), nullptr);
     QVERIFY(source);
     subOf(*frame_, source)->setGeometry(QRect(0, 0, 400, 200));
     // A part that touches the first sample leaves nothing before it: not offered.
     source->selectRange(0, 3);
     frame_->updateActions();
     QVERIFY(!frame_->action("SplitH")->isEnabled());
-    source->selectRange(2, 4);
+    source->selectRange(3, 6);
     frame_->updateActions();
     QVERIFY(frame_->action("SplitH")->isEnabled());
     whenModal([](QDialog* d) {
@@ -113,15 +113,33 @@ void SplitMergeWindowsTest::splitHorizontallyLaysThePiecesSideBySide() {
         QTest::mouseClick(control<QPushButton>(d, "OKBtn"), Qt::LeftButton);
     });
     frame_->action("SplitH")->trigger();
-    const auto& docs = frame_->workspace().documents();
+    auto& docs = frame_->workspace().documents();
     QCOMPARE(docs.size(), std::size_t(3));
     QCOMPARE(frame_->mdiArea()->subWindowList().size(), 3);
-    const std::vector<std::vector<WaveVal>> pieces{{1, 2}, {3, 4}, {5, 6}};
+    const std::vector<std::vector<WaveVal>> pieces{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
     const QRect places[] = {QRect(0, 0, 133, 200), QRect(133, 0, 133, 200), QRect(266, 0, 134, 200)};
     for (std::size_t i = 0; i < 3; ++i) {
         QCOMPARE(samplesOf(docs[i]->getSound()->GetLeftWave()), pieces[i]);
         QCOMPARE(subOf(*frame_, docs[i].get())->geometry(), places[i]);
     }
+
+    // Nothing selected: cut at the cursor into two, without asking.
+    TUnitWave* middle = docs[1].get();
+    frame_->workspace().setActive(middle);
+    middle->setCursor(1);
+    middle->setSelEnd(1);
+    frame_->updateActions();
+    bool asked = false;
+    whenModal([&asked](QDialog*) { asked = true; });
+    frame_->action("SplitH")->trigger();
+    QVERIFY(!asked);
+    QVERIFY(cancelPendingModals());  // the dialog it waited for never came
+    QCOMPARE(docs.size(), std::size_t(4));
+    QCOMPARE(samplesOf(docs[2]->getSound()->GetLeftWave()), (std::vector<WaveVal>{4}));
+    QCOMPARE(samplesOf(docs[3]->getSound()->GetLeftWave()), (std::vector<WaveVal>{5, 6}));
+    // Side by side in the middle window's place.
+    QCOMPARE(subOf(*frame_, docs[2].get())->geometry(), QRect(133, 0, 66, 200));
+    QCOMPARE(subOf(*frame_, docs[3].get())->geometry(), QRect(199, 0, 67, 200));
 }
 
 void SplitMergeWindowsTest::mergeHorizontallyShowsBothWavesAndJoinsThem() {

@@ -405,6 +405,11 @@ bool AudioPlayer::save() {
     const std::size_t sampleBytes = t.bytesPSample == 1 ? 1 : 2;
     const auto n = std::int32_t(std::min<std::size_t>(
         t.bytes.size() / (sampleBytes * std::size_t(t.channels)), std::size_t(INT32_MAX)));
+    if (n == 0) {  // nothing came: an empty file in the format
+        const Wave empty;
+        return writeSaved(t.file, &empty, t.channels == 2 ? &empty : nullptr, t.freq,
+                          t.bytesPSample, 0);
+    }
     WaveVal* left = allocateSamples(n);
     WaveVal* right = t.channels == 2 ? allocateSamples(n) : nullptr;
     if (!left || (t.channels == 2 && !right)) {
@@ -421,7 +426,12 @@ bool AudioPlayer::save() {
         sampleBytes == 1 ? decodeMono8(in, left, n) : decodeMono16(in, left, n);
     else
         sampleBytes == 1 ? decodeStereo8(in, left, right, n) : decodeStereo16(in, left, right, n);
-    if (writeWaveChannels(t.file, &l, r.get(), t.freq, t.bytesPSample == 1 ? 1 : 2, 0, n, true))
+    return writeSaved(t.file, &l, r.get(), t.freq, t.bytesPSample, n);
+}
+
+bool AudioPlayer::writeSaved(const std::string& file, const Wave* left, const Wave* right,
+                             std::int32_t freq, int bytesPSample, std::int32_t n) {
+    if (writeWaveChannels(file, left, right, freq, bytesPSample == 1 ? 1 : 2, 0, n, true))
         return true;
     const WriteFailure failure = lastWriteFailure();
     std::lock_guard lock(errorLock_);

@@ -25,6 +25,7 @@
 #include <QObject>
 #include <QThread>
 
+#include "core/wave.h"
 #include "document/player_flow.h"
 
 namespace orv {
@@ -70,6 +71,9 @@ private:
     class Device;
     friend class Device;
 
+    // Writes what was recorded with our writer; false with lastError() when it cannot.
+    bool writeSaved(const std::string& file, const Wave* left, const Wave* right,
+                    std::int32_t freq, int bytesPSample, std::int32_t n);
     // Runs `work` on the player's thread and waits for it.
     template <class Work>
     auto onDevice(Work work);

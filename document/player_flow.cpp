@@ -93,6 +93,10 @@ void PlayerFlow::stop() {
         played_ = nullptr;
         return;
     }
+    keepRecording();
+}
+
+void PlayerFlow::keepRecording() {
     ORV_ASSERT_TEXT(RecordUnitWave != nullptr, "RecordUnitWave != NULL", "Main");
     TUnitWave& unit = *RecordUnitWave;
     RecordUnitWave = nullptr;
@@ -118,6 +122,7 @@ void PlayerFlow::stop() {
     }
     ORV_ASSERT_TEXT(bytes == unit.getBytesPSample(), "bytesPSample2 == bytesPSample1", "Main");
     const std::int32_t n = sound->GetValues();
+    if (n == 0) return;  // nothing was recorded: nothing changes
     ws_.makeUndo(unit);
     unit.takeResult(std::move(sound), 0, n);
     unit.setChanged();
@@ -153,6 +158,11 @@ void PlayerFlow::notify() {
         return;
     }
     const PlayerMode mode = player_.mode();
+    // A recording that ended without Stop (its device failed or went away) keeps what it got.
+    if (RecordUnitWave && !recordPending_ && mode == PlayerMode::Stopped) {
+        keepRecording();
+        return;
+    }
     if (mode == PlayerMode::Stopped || mode == PlayerMode::Playing) {
         player_.close();
         playChecked_ = false;

@@ -86,6 +86,8 @@ private:
     void start(bool recording);
     bool opened();
     bool recording() const;
+    // Stops the recording and puts what it holds into its document.
+    void keepRecording();
 
     MediaPlayer& player_;
     Workspace& ws_;

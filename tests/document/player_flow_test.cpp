@@ -235,5 +235,29 @@ TEST_F(PlayerFlowTest, APlayerThatCannotOpenSaysWhyAndNothingIsChecked) {
     EXPECT_EQ(flow.playedUnit(), nullptr);
 }
 
+// A recording whose device gives up ends with the player's notification: what it got is
+// kept, and Record is no longer checked. Nothing recorded changes nothing.
+TEST_F(PlayerFlowTest, ARecordingThatEndsByItselfKeepsWhatItGot) {
+    TUnitWave& u = ws.newWave({1000, 1, 2});
+    flow.record();
+    player.recorded = {9, 8};
+    player.m = PlayerMode::Stopped;  // the device went away
+    flow.notify();
+    EXPECT_EQ(samplesOf(u), (Samples{9, 8}));
+    EXPECT_FALSE(flow.recordChecked());
+    EXPECT_EQ(flow.recordUnit(), nullptr);
+    EXPECT_FALSE(ws.status("FileStop").enabled);
+
+    TUnitWave& v = ws.newWave({1000, 1, 2});
+    flow.record();
+    player.recorded = {};
+    player.m = PlayerMode::Stopped;
+    flow.notify();
+    EXPECT_EQ(v.values(), 0);
+    EXPECT_EQ(ws.undoRecord()->unit(), &u);  // no undo for nothing
+    EXPECT_FALSE(flow.recordChecked());
+    EXPECT_TRUE(shown().empty());
+}
+
 }  // namespace
 }  // namespace orv

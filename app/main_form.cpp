@@ -96,6 +96,8 @@ TMainForm::TMainForm(QWidget* parent) : QMainWindow(parent) {
     setAcceptDrops(true);
     runner_ = new CommandRunner(workspace_, this, this);
     connect(runner_, &CommandRunner::busyChanged, this, [this] { updateActions(); });
+    task_ = new BackgroundTask(this, this);
+    connect(task_, &BackgroundTask::runningChanged, this, [this] { updateActions(); });
 
     mdi_ = new QMdiArea(this);
     mdi_->setObjectName("MDIArea");
@@ -131,6 +133,9 @@ TMainForm::~TMainForm() {
     // Windows go before the documents they show, and tell this frame nothing on their way.
     mdi_->disconnect(this);
     runner_->disconnect(this);
+    // An import or export still under way is cancelled and waited for here.
+    task_->disconnect(this);
+    delete task_;
     for (QMdiSubWindow* sub : mdi_->subWindowList())
         if (auto* child = qobject_cast<TMDIChildWave*>(sub->widget())) {
             child->disconnect(this);
@@ -285,9 +290,11 @@ void TMainForm::updateActions() {
         if (a->isCheckable()) a->setChecked(st.checked);
     }
     const bool jobOut = context.jobRunning;
+    // One import or export at a time; beside a job neither starts.
+    const bool taskOut = jobOut || task_->running();
     if (QAction* exportAction = action("FileExport"))
-        exportAction->setEnabled(!jobOut && workspace_.active() && workspace_.active()->values() > 0);
-    if (QAction* importAction = action("FileImport")) importAction->setEnabled(!jobOut);
+        exportAction->setEnabled(!taskOut && workspace_.active() && workspace_.active()->values() > 0);
+    if (QAction* importAction = action("FileImport")) importAction->setEnabled(!taskOut);
 
     TUnitWave* unit = workspace_.active();
     if (unit) {

@@ -23,6 +23,7 @@
 #include <QStringList>
 
 #include "app/audio_player.h"
+#include "app/background_task.h"
 #include "app/command_runner.h"
 #include "app/help_window.h"
 #include "app/recent_files.h"
@@ -69,6 +70,8 @@ public:
 
     Workspace& workspace() { return workspace_; }
     CommandRunner& runner() { return *runner_; }
+    // Import and export run here.
+    BackgroundTask& task() { return *task_; }
     Prompts& prompts() { return prompts_; }
 
     // The QAction of a row of the action table (named after it), or nullptr.
@@ -183,6 +186,7 @@ private:
 
     Workspace workspace_;
     CommandRunner* runner_;
+    BackgroundTask* task_;
     Prompts prompts_;
     RecentFiles recent_;
     QMdiArea* mdi_;

@@ -224,23 +224,34 @@ void TMainForm::rebuildRecentMenu() {
     recentMenu_->setEnabled(!files.isEmpty());
 }
 
+// Import and export read and write on the task's thread: an hour of FLAC takes seconds, and
+// the windows stay live meanwhile (Cancel stops the work, which then changes nothing).
 void TMainForm::importFile() {
     const QString file = prompts_.importFile();
     if (file.isEmpty()) return;
-    SoundPtr sound;
-    std::string reason;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool ok = importSoundFile(file.toStdString(), sound, reason);
-    QApplication::restoreOverrideCursor();
-    if (!ok) {
-        showMessage(kFileErrorCaption, importFailureText(file.toStdString(), reason));
-        return;
-    }
-    // Kept with 16-bit samples, and not yet what any file holds.
-    TUnitWave& unit =
-        workspace_.add(std::make_unique<TUnitWave>(std::move(sound), 2, wavNameFor(file)));
-    unit.setChanged();
-    afterCommand();
+    struct Imported {
+        SoundPtr sound;
+        std::string reason;
+        bool ok = false;
+    };
+    auto result = std::make_shared<Imported>();
+    const std::string name = file.toStdString();
+    task_->start(
+        "Importing " + QFileInfo(file).fileName(),
+        [result, name](CancelFlag& cancel) {
+            result->ok = importSoundFile(name, result->sound, result->reason, &cancel);
+        },
+        [this, result, name, file](bool cancelled) {
+            if (!result->ok) {
+                if (!cancelled) showMessage(kFileErrorCaption, importFailureText(name, result->reason));
+                return updateActions();
+            }
+            // Kept with 16-bit samples, and not yet what any file holds.
+            TUnitWave& unit = workspace_.add(
+                std::make_unique<TUnitWave>(std::move(result->sound), 2, wavNameFor(file)));
+            unit.setChanged();
+            afterCommand();
+        });
 }
 
 void TMainForm::exportFile() {
@@ -249,13 +260,20 @@ void TMainForm::exportFile() {
     const QFileInfo current(QString::fromStdString(unit->getFileName()));
     const QString file = prompts_.exportFile(current.completeBaseName() + ".flac");
     if (file.isEmpty()) return;
-    std::string reason;
-    unit->clearCancel();
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool ok =
-        exportSoundFile(file.toStdString(), "", unit->getSound(), reason, &unit->cancelFlag());
-    QApplication::restoreOverrideCursor();
-    if (!ok) showMessage(kFileErrorCaption, exportFailureText(file.toStdString(), reason));
+    // The sound as it is now, kept while it is written even if the wave changes meanwhile.
+    std::shared_ptr<const Sound> sound = unit->soundRef();
+    auto reason = std::make_shared<std::string>();
+    auto ok = std::make_shared<bool>(false);
+    const std::string name = file.toStdString();
+    task_->start(
+        "Exporting " + QFileInfo(file).fileName(),
+        [sound, reason, ok, name](CancelFlag& cancel) {
+            *ok = exportSoundFile(name, "", sound.get(), *reason, &cancel);
+        },
+        [this, reason, ok, name](bool cancelled) {
+            if (!*ok && !cancelled) showMessage(kFileErrorCaption, exportFailureText(name, *reason));
+            updateActions();
+        });
 }
 
 // ---- dialogs ----------------------------------------------------------------------------------

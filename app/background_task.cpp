@@ -1,5 +1,7 @@
 #include "app/background_task.h"
 
+#include "app/progress_dialog.h"
+
 #include <QApplication>
 #include <QProgressDialog>
 #include <QTimer>
@@ -50,25 +52,14 @@ void BackgroundTask::cancel() {
 void BackgroundTask::tick() {
     if (!running_ || dialog_ || since_.elapsed() < progressDelayMs_) return;
     // How far a file has been read is not known: the bar only shows that work goes on.
-    dialog_ = new QProgressDialog(caption_, tr("Cancel"), 0, 0, window_);
-    dialog_->setObjectName("TaskProgressDialog");
-    dialog_->setWindowTitle("Orvasto");
-    dialog_->setWindowModality(Qt::NonModal);
-    dialog_->setMinimumDuration(0);
-    dialog_->setAutoClose(false);
-    dialog_->setAutoReset(false);
+    dialog_ = openProgress(caption_, 0, window_, "TaskProgressDialog");
     connect(dialog_, &QProgressDialog::canceled, this, &BackgroundTask::cancel);
-    dialog_->show();
 }
 
 void BackgroundTask::done() {
     if (worker_.joinable()) worker_.join();
     poll_->stop();
-    if (dialog_) {
-        dialog_->hide();
-        dialog_->deleteLater();
-        dialog_ = nullptr;
-    }
+    closeProgress(dialog_);
     const bool cancelled = cancel_ && cancel_->load() != 0;
     std::function<void(bool)> finish = std::move(finish_);
     running_ = false;

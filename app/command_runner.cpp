@@ -1,5 +1,7 @@
 #include "app/command_runner.h"
 
+#include "app/progress_dialog.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QProgressDialog>
@@ -105,17 +107,9 @@ void CommandRunner::tick() {
         QString caption = def ? QString::fromUtf8(def->caption.data(), qsizetype(def->caption.size()))
                               : QString::fromStdString(action_);
         caption.remove('&');
-        // Not modal: the other windows stay there to be looked at; the enabling rules keep
-        // away what would conflict with the job.
-        dialog_ = new QProgressDialog(caption, tr("Cancel"), 0, 1000, window_);
-        dialog_->setObjectName("ProgressDialog");
-        dialog_->setWindowTitle("Orvasto");
-        dialog_->setWindowModality(Qt::NonModal);
-        dialog_->setMinimumDuration(0);
-        dialog_->setAutoClose(false);
-        dialog_->setAutoReset(false);
+        // The enabling rules keep away what would conflict with the job.
+        dialog_ = openProgress(caption, 1000, window_, "ProgressDialog");
         connect(dialog_, &QProgressDialog::canceled, this, &CommandRunner::cancel);
-        dialog_->show();
     }
     if (dialog_) {
         const double part = double(job_->done()) / double(job_->expected());
@@ -126,11 +120,7 @@ void CommandRunner::tick() {
 void CommandRunner::jobDone() {
     if (worker_.joinable()) worker_.join();
     poll_->stop();
-    if (dialog_) {
-        dialog_->hide();
-        dialog_->deleteLater();
-        dialog_ = nullptr;
-    }
+    closeProgress(dialog_);
     const ActionResult result = workspace_.commit(std::move(job_));
     end(result);
 }

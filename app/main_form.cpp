@@ -357,7 +357,10 @@ void TMainForm::syncWindows() {
         QMdiSubWindow* sub = mdi_->addSubWindow(child);
         sub->setAttribute(Qt::WA_DeleteOnClose);
         sub->setWindowIcon(programIcon());
-        sub->resize(460, 260);
+        // Large enough to see the wave: three fifths of the area's width, half its height,
+        // never below 460 x 260.
+        const QSize area = mdi_->viewport()->size();
+        sub->resize(std::max(460, area.width() * 3 / 5), std::max(260, area.height() / 2));
         sub->show();
     }
     if (TMDIChildWave* child = childOf(workspace_.active())) {

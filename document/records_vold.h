@@ -60,6 +60,8 @@ struct VoldViewRecord {
     ColorRef volumeRight;
     ColorRef cursor;
     bool twoDiagrams;        // a stereo wave as two diagrams, left above right
+
+    bool operator==(const VoldViewRecord&) const = default;
 };
 
 inline constexpr std::string_view kTopTooHighMessage =

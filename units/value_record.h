@@ -24,6 +24,7 @@ struct ValueRecord {
     std::uint8_t unit = kUnitNone;
     std::uint8_t signCheck = 0;  // 0..7, see the readers
     double value = 0.0;
+    bool operator==(const ValueRecord&) const = default;
 };
 
 }  // namespace orv

@@ -111,6 +111,8 @@ void TMDIChildWave::setDefaultSettings(const WaveViewRecord& settings) { default
 // ---- the Volume Diagram ------------------------------------------------------------------------
 
 void TMDIChildWave::showVold(const VoldViewRecord& settings) {
+    // The same diagram again: the picture there, or the one being made, stays.
+    if (vold_ && !stale_ && voldPicture_ && settings == voldSettings_) return;
     vold_ = true;
     voldSettings_ = settings;
     invalidate();

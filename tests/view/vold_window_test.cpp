@@ -93,8 +93,13 @@ void VoldWindowTest::changesCancelAndRestart() {
     QCOMPARE(w.voldPicture()->channels(), 1);
     QCOMPARE(differsFrom(w, painterPicture(w)), QString());
 
-    // New settings compute again; so does a zoomed view, over the samples it shows.
+    // The same settings again keep the finished picture; new settings compute again, and so
+    // does a zoomed view, over the samples it shows.
     const VoldPicture* third = w.voldPicture();
+    w.showVold(settings);
+    w.picture();
+    QCOMPARE(w.voldPicture(), third);
+    QVERIFY(w.voldComplete());
     settings.vertical = 25;
     settings.sensitivity = VoldViewRecord::kHigh;
     w.setVoldSettings(settings);

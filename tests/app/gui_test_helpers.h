@@ -1,6 +1,5 @@
 // What the desktop program's tests share: running code inside a modal dialog once it is up,
-// typing into fields, finding controls by name, and a frame whose questions the test
-// answers.
+// and driving the frame by its dialogs, shortcuts and name field.
 #pragma once
 
 #include <functional>
@@ -16,32 +15,9 @@
 #include <QtTest>
 
 #include "app/main_form.h"
+#include "support/qt_test_helpers.h"
 
 namespace orv::test {
-
-template <class T>
-T* control(QWidget* parent, const char* name) {
-    T* w = parent ? parent->findChild<T*>(name) : nullptr;
-    if (!w) qFatal("no control %s", name);
-    return w;
-}
-
-inline void typeText(QLineEdit* edit, const QString& text) {
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClick(edit, Qt::Key_Delete);
-    QTest::keyClicks(edit, text);
-}
-
-// Chooses the entry `text` of a list with the keyboard, as a user would.
-inline void chooseInList(QComboBox* box, const QString& text) {
-    box->setFocus();
-    const int target = box->findText(text);
-    if (target < 0) qFatal("no entry %s", qPrintable(text));
-    QTest::keyClick(box, Qt::Key_Home);
-    if (box->currentIndex() < 0) QTest::keyClick(box, Qt::Key_Down);
-    while (box->currentIndex() < target) QTest::keyClick(box, Qt::Key_Down);
-}
 
 // Runs `act` on the next modal dialog as soon as it is shown (the dialog's exec() blocks
 // the caller). Whatever `act` leaves open is rejected after it, so a failed check ends in a

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -105,12 +104,11 @@ TEST_F(Scenario, VolumeByARegisteredEnvelope) {
 }
 
 // Every refusal ends the script: its message on stderr, its status, nothing printed or saved
-// after it.
+// after it. (The texts of the record checks, the reader, import and export are checked word
+// for word in their own tests; here one of each kind.)
 TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
     wav("m.wav", 8000, 1, {1, 2, 3});
     wav("st.wav", 8000, 2, {1, 2, 3, 4});
-    orv::test::writeBytes(file("bad.wav"), {'j', 'u', 'n', 'k'});
-    orv::test::writeBytes(file("junk.flac"), orv::test::Bytes(300, 0x5A));
     const std::string m = file("m.wav"), st = file("st.wav"), out = file("out.wav");
     const struct {
         Args args;
@@ -119,15 +117,6 @@ TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
     } cases[] = {
         {{"open", m, "Rotate", "Rotate by=Time", "Time=3 s", "save", out}, 2,
          "Input Error: In Time: Time may not be longer than the time of the sound."},
-        {{"open", m, "MakeLine", "Kind=Exponential", "Begin Value=0", "save", out}, 2,
-         "Input Error: In Begin Value: Exponential Line may not contain value 0."},
-        {{"open", m, "Volume", "Volume Factor=abc", "dump"}, 2,
-         "Input Error: In Volume Factor: Input has no value."},
-        {{"open", m, "Volume", "Volume Factor=Envelope", "Envelope=nobody", "info"}, 2,
-         "Input Error: In Volume Factor: You have to select a Wave"},
-        {{"open", m, "Volume", "Loudness=3", "info"}, 2,
-         "Usage Error: There is no field \"Loudness\" in \"Change Volume\". Its fields: Volume Factor, "
-         "Envelope, Constant."},
         {{"open", m, "EditTrim", "info"}, 2, "Usage Error: EditTrim is not available now: nothing is selected."},
         {{"open", st, "Balance", "save", out}, 2, "Usage Error: Balance is not available now: the wave is stereo."},
         {{"open", m, "name", "a", "open", m, "name", "a", "info"}, 2,
@@ -135,21 +124,7 @@ TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
         {{"use", "ghost"}, 2, "Usage Error: There is no wave named \"ghost\"."},
         {{"dump"}, 2, "Usage Error: dump needs an open wave."},
         {{"new", "8000", "16", "1", "save", out}, 2, "Usage Error: An empty wave cannot be saved."},
-        {{"help", "Volumen"}, 2, "Usage Error: Unknown action \"Volumen\". Did you mean \"Volume\"?"},
-        {{"new", "8000", "16", "1", "info", "open"}, 2, "Usage Error: open needs a file name."},
         {{}, 2, "Usage: orvasto-cli STEP [STEP ...]; orvasto-cli help lists the steps."},
-        {{"open", file("bad.wav"), "info"}, 1,
-         "File Error: Cannot read the file: \"" + file("bad.wav") + "\", \"RIFF\" not found."},
-        {{"open", file("none.wav"), "info"}, 1,
-         "File Error: Cannot read the file: \"" + file("none.wav") + "\", Cannot open File."},
-        {{"import", file("junk.flac"), "info"}, 1,
-         "File Error: Cannot import the file: \"" + file("junk.flac") +
-             "\", The file is not a sound file of a kind that can be imported. (libsndfile: Format not "
-             "recognised.)"},
-        {{"open", m, "export", file("x.xyz"), "info"}, 1,
-         "File Error: Cannot export the file: \"" + file("x.xyz") +
-             "\", Cannot tell the export format from the file name; give one of wav16, wav24, "
-             "float, flac, ogg."},
         {{"open", m, "save", file("missing/out.wav"), "save", out}, 1,
          "Save Error: Cannot save the wave.\n\"" + file("missing/out.wav") + "\": No such file or directory."},
     };
@@ -160,7 +135,6 @@ TEST_F(Scenario, RefusalsStopTheScriptWithTheirMessageAndStatus) {
         EXPECT_EQ(o.err, c.err + "\n");
         EXPECT_EQ(o.out, "");
         EXPECT_FALSE(fs::exists(out));
-        EXPECT_FALSE(fs::exists(file("x.xyz")));
     }
 }
 
@@ -204,42 +178,26 @@ TEST_F(Scenario, HelpAndVersionTheWayShellsExpect) {
     EXPECT_EQ(v.out, "orvasto-cli 0.1.0\n");
 }
 
-// Hostile and damaged files: a clear message, status 1, nothing written, nothing changed.
+// Hostile and damaged files: a clear message, status 1, nothing written. (Every reason is
+// checked in the reader's and the import's own tests; the refusal to save over an import in
+// the runner's.)
 TEST_F(Scenario, HostileFilesAreRefusedWithClearMessages) {
-    using orv::test::Bytes;
-    using orv::test::wavBytes;
-    const Bytes samples(2000, 0x11);
-    orv::test::writeBytes(file("0hz.wav"), wavBytes(1, 1, 0, 16, samples));
-    orv::test::writeBytes(file("4ghz.wav"), wavBytes(1, 1, 4000000000u, 16, samples));
-    orv::test::writeBytes(file("24.wav"), wavBytes(1, 2, 48000, 24, Bytes(12, 0x40)));
-    Bytes mp3 = {0xFF, 0xFB, 0x90, 0x00};
+    orv::test::writeBytes(file("0hz.wav"), orv::test::wavBytes(1, 1, 0, 16, orv::test::Bytes(2000, 0x11)));
+    orv::test::Bytes mp3 = {0xFF, 0xFB, 0x90, 0x00};
     mp3.resize(400, 0x55);
     orv::test::writeBytes(file("bad.mp3"), mp3);
-    ASSERT_EQ(::mkfifo(file("pipe.wav").c_str(), 0600), 0);
-    const Bytes original = orv::test::readBytes(file("24.wav"));
-    const std::string frequency = "The sample frequency 0 Hz is not usable; a wave needs 1 to 1000000 Hz.";
     const struct {
         Args args;
         std::string err;
     } cases[] = {
         {{"open", file("0hz.wav"), "FilterLow", "save", file("out.wav")},
-         "File Error: Cannot read the file: \"" + file("0hz.wav") + "\", " + frequency},
-        {{"import", file("0hz.wav"), "save", file("out.wav")},
-         "File Error: Cannot import the file: \"" + file("0hz.wav") + "\", " + frequency},
-        {{"open", file("4ghz.wav"), "RndEcho", "save", file("out.wav")},
-         "File Error: Cannot read the file: \"" + file("4ghz.wav") +
-             "\", The sample frequency 4000000000 Hz is not usable; a wave needs 1 to 1000000 Hz."},
-        {{"import", file("pipe.wav"), "save", file("out.wav")},
-         "File Error: Cannot import the file: \"" + file("pipe.wav") +
-             "\", This is not a plain file (a pipe or a device); only files can be imported."},
+         "File Error: Cannot read the file: \"" + file("0hz.wav") +
+             "\", The sample frequency 0 Hz is not usable; a wave needs 1 to 1000000 Hz."},
         // No codec chatter on stderr: our message is all there is.
         {{"import", file("bad.mp3"), "save", file("out.wav")},
          "File Error: Cannot import the file: \"" + file("bad.mp3") +
              "\", The file is damaged, or uses a form of its format that cannot be read. (libsndfile: "
              "File does not exist or is not a regular file (possibly a pipe?).)"},
-        {{"import", file("24.wav"), "save", file("24.wav")},
-         "Save Error: This wave was imported from \"" + file("24.wav") +
-             "\"; saving it over that file would replace the original. Save it under another name."},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args[1]);
@@ -248,7 +206,6 @@ TEST_F(Scenario, HostileFilesAreRefusedWithClearMessages) {
         EXPECT_EQ(o.err, c.err + "\n");
         EXPECT_FALSE(fs::exists(file("out.wav")));
     }
-    EXPECT_EQ(orv::test::readBytes(file("24.wav")), original);
 }
 
 // A file that claims far more than it holds, and a streamed one that claims 0xFFFFFFFF, open

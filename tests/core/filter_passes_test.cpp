@@ -12,9 +12,6 @@ namespace {
 using namespace test;
 using Vals = Samples;
 
-WavePtr wav(const Vals& v) { return makeWave(v); }
-Vals vals(const Wave* w) { return samplesOf(w); }
-
 struct Call {
     int countBer, countCmd;
     const Wave* envelope;
@@ -56,7 +53,7 @@ protected:
 };
 
 TEST_F(FilterPassesTest, WithoutMaximizeTheFilterMakesAllPassesItself) {
-    StereoSound s(wav({1000, -2000}), wav({1, 2}), 1000);
+    StereoSound s(makeWave({1000, -2000}), makeWave({1, 2}), 1000);
     HighLowFilter f;
     f.filter = fake;
     f.seconds = 0.0025;
@@ -65,12 +62,12 @@ TEST_F(FilterPassesTest, WithoutMaximizeTheFilterMakesAllPassesItself) {
     ASSERT_EQ(gCalls.size(), 2u);  // one call per channel
     EXPECT_EQ(std::pair(gCalls[0].countBer, gCalls[1].countCmd), std::pair(3, 3));
     EXPECT_EQ(gCalls[0].time, 2.5);
-    EXPECT_EQ(vals(r->GetLeftWave()), (Vals{2000, -1000}));
-    EXPECT_EQ(vals(r->GetRightWave()), (Vals{1001, 1002}));
+    EXPECT_EQ(samplesOf(r->GetLeftWave()), (Vals{2000, -1000}));
+    EXPECT_EQ(samplesOf(r->GetRightWave()), (Vals{1001, 1002}));
 }
 
 TEST_F(FilterPassesTest, MaximizeSoftlyBeforeAndAfterEveryPass) {
-    MonoSound m(wav({1000, -2000}), 1000);
+    MonoSound m(makeWave({1000, -2000}), 1000);
     HighLowFilter f;
     f.filter = fake;
     auto r = FilterHighLow(c, m, f, 3, true, 0, -1);
@@ -82,17 +79,17 @@ TEST_F(FilterPassesTest, MaximizeSoftlyBeforeAndAfterEveryPass) {
     }
     // 11468/-22936 after the first maximise; then +1000 and back to a peak of 22936 each
     // time: 13036, 14676, 16391.
-    EXPECT_EQ(vals(r->GetLeftWave()), (Vals{16391, -22936}));
-    EXPECT_EQ(vals(m.WaveMiddle), (Vals{1000, -2000}));  // the sound itself is untouched
+    EXPECT_EQ(samplesOf(r->GetLeftWave()), (Vals{16391, -22936}));
+    EXPECT_EQ(samplesOf(m.WaveMiddle), (Vals{1000, -2000}));  // the sound itself is untouched
     // A range: only sample 0 is maximised and filtered, 22936 + 1000, then back to 22936.
-    MonoSound three(wav({1000, -2000, 7}), 1000);
-    EXPECT_EQ(vals(FilterHighLow(c, three, f, 1, true, 0, 1)->GetLeftWave()),
+    MonoSound three(makeWave({1000, -2000, 7}), 1000);
+    EXPECT_EQ(samplesOf(FilterHighLow(c, three, f, 1, true, 0, 1)->GetLeftWave()),
               (Vals{22936, -2000, 7}));
 }
 
 TEST_F(FilterPassesTest, EnvelopeFormWithOnePass) {
-    MonoSound env(wav({0, 0}), 1000);
-    StereoSound s(wav({100, 0}), wav({0, -50}), 1000);
+    MonoSound env(makeWave({0, 0}), 1000);
+    StereoSound s(makeWave({100, 0}), makeWave({0, -50}), 1000);
     HighLowFilter f;
     f.filterEnv = fakeEnv;
     f.envelope = &env;
@@ -103,18 +100,18 @@ TEST_F(FilterPassesTest, EnvelopeFormWithOnePass) {
     EXPECT_EQ(gCalls[1].countBer, 1);
     // Both channels share the louder channel's factor: 22936.9 / 100 first, then
     // 22936.9 / 23936 after the filter.
-    EXPECT_EQ(vals(r->GetLeftWave()), (Vals{22936, 958}));
-    EXPECT_EQ(vals(r->GetRightWave()), (Vals{958, -10031}));
+    EXPECT_EQ(samplesOf(r->GetLeftWave()), (Vals{22936, 958}));
+    EXPECT_EQ(samplesOf(r->GetRightWave()), (Vals{958, -10031}));
 }
 
 TEST_F(FilterPassesTest, CancelDuringAPassGivesNoSound) {
-    MonoSound m(wav({1000, -2000}), 1000);
+    MonoSound m(makeWave({1000, -2000}), 1000);
     HighLowFilter f;
     f.filter = fake;
     gCancelAtCall = 2;  // during the second pass
     EXPECT_EQ(FilterHighLow(c, m, f, 3, true, 0, -1), nullptr);
     EXPECT_EQ(gCalls.size(), 2u);
-    EXPECT_EQ(vals(m.WaveMiddle), (Vals{1000, -2000}));
+    EXPECT_EQ(samplesOf(m.WaveMiddle), (Vals{1000, -2000}));
 }
 
 }  // namespace

@@ -23,14 +23,17 @@ using StereoOpsTest = CancelTest;
 TEST_F(StereoOpsTest, BalanceByLevel) {
     auto r = mono({1000, -2000, 3}, 8000)->Balance(c, 0.0, false, true, false);
     EXPECT_EQ(std::pair(int(r->MoSt), r->Freq), std::pair(2, 8000));
-    EXPECT_EQ(left(r), (Vals{500, -1000, 1}));  // the centre: half level on both sides
-    EXPECT_EQ(right(r), (Vals{500, -1000, 1}));
-    r = mono({1000, -2000, 3})->Balance(c, 1.0, false, true, false);
-    EXPECT_EQ(left(r), (Vals{0, 0, 0}));
-    EXPECT_EQ(right(r), (Vals{1000, -2000, 3}));
-    r = mono({1000, -2000, 3})->Balance(c, -0.5, false, true, false);
-    EXPECT_EQ(left(r), (Vals{750, -1500, 2}));
-    EXPECT_EQ(right(r), (Vals{250, -500, 0}));
+    // The centre: half level on both sides; then fully right, and a quarter to the left.
+    const struct { double direction; Vals left, right; } rows[] = {
+        {0.0, {500, -1000, 1}, {500, -1000, 1}},
+        {1.0, {0, 0, 0}, {1000, -2000, 3}},
+        {-0.5, {750, -1500, 2}, {250, -500, 0}},
+    };
+    for (const auto& row : rows) {
+        r = mono({1000, -2000, 3})->Balance(c, row.direction, false, true, false);
+        EXPECT_EQ(left(r), row.left) << row.direction;
+        EXPECT_EQ(right(r), row.right) << row.direction;
+    }
     // Without options both channels are copies of the first wave (the left of a stereo one).
     r = stereo({1, 2}, {9, 9})->Balance(c, 0.7, false, false, false);
     EXPECT_EQ(right(r), (Vals{1, 2}));
@@ -45,12 +48,6 @@ TEST_F(StereoOpsTest, DelaysUseTheStoredHalfTurnNotPi) {
     EXPECT_LT(balanceDelay(34000, 1.0), 20.0);
     EXPECT_GT(balanceDelay(34000, 1.0), 19.9999999);
     EXPECT_EQ(balanceDelay(34000, -0.5), -balanceDelay(34000, 0.5));
-}
-
-TEST_F(StereoOpsTest, TimeDifferenceAtCentreLengthensBothByOne) {
-    auto r = mono({1000, -2000, 3}, 34000)->Balance(c, 0.0, true, false, false);
-    EXPECT_EQ(left(r), (Vals{1000, -2000, 3, 0}));
-    EXPECT_EQ(right(r), (Vals{1000, -2000, 3, 0}));
 }
 
 TEST_F(StereoOpsTest, TheLeadingChannelKeepsItsLevel) {
@@ -129,10 +126,17 @@ TEST_F(StereoOpsTest, EnvelopeLevels) {
         EXPECT_EQ(left(r), Vals(2, lr[0]));
         EXPECT_EQ(right(r), Vals(2, lr[1]));
     }
+    EXPECT_DEATH(src->BalanceEnv(c, mono({}).get(), false, true, false),
+                 "Assertion failed: GetValues\\(\\) != 0, unit sound");
 }
 
-TEST_F(StereoOpsTest, EnvelopeTimeDifferenceMakesRoomForTheLargestDelay) {
-    auto r = mono({1000, -2000, 3}, 34000)->BalanceEnv(c, mono({0}).get(), true, false, false);
+// At the centre both channels are one sample longer; with an envelope there is room for the
+// largest delay, trunc(20 + 1) samples.
+TEST_F(StereoOpsTest, TimeDifferenceMakesRoomForTheDelay) {
+    auto r = mono({1000, -2000, 3}, 34000)->Balance(c, 0.0, true, false, false);
+    EXPECT_EQ(left(r), (Vals{1000, -2000, 3, 0}));
+    EXPECT_EQ(right(r), (Vals{1000, -2000, 3, 0}));
+    r = mono({1000, -2000, 3}, 34000)->BalanceEnv(c, mono({0}).get(), true, false, false);
     Vals expect{1000, -2000, 3};
     expect.resize(3 + 21, 0);
     EXPECT_EQ(left(r), expect);
@@ -153,11 +157,6 @@ TEST_F(StereoOpsTest, EnvelopeFilterMatchesTheConstantFormAtTheEnds) {
         ASSERT_NEAR(re[i], rc[i], 1) << i;
     }
     EXPECT_NE(le, re);
-}
-
-TEST_F(StereoOpsTest, EmptyEnvelopeOrSoundIsAnError) {
-    EXPECT_DEATH(mono({1})->BalanceEnv(c, mono({}).get(), false, true, false),
-                 "Assertion failed: GetValues\\(\\) != 0, unit sound");
 }
 
 // ---- the left/right matrix ------------------------------------------------------------------

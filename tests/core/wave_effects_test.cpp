@@ -123,7 +123,7 @@ TEST(ReverseMirrorRotate, HandWorked) {
     EXPECT_EQ(samplesOf(x->rotate(c, 4, 1, E{5})), samplesOf(x));
 }
 
-TEST(Block, FractionalBoundariesAverages) {
+TEST(Block, FractionalBoundariesAveragesAndVerticalLevels) {
     // Length 2.5 over 10 samples: boundaries 2, 5, 7, 10, blocks of 2, 3, 2, 3.
     auto w = makeWave({0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 7});
     CancelFlag c{0};
@@ -135,24 +135,12 @@ TEST(Block, FractionalBoundariesAverages) {
     auto v = makeWave({-1, -2, 3, 4});
     EXPECT_EQ(samplesOf(v->block(c, 2, 0, 0, E{-1})), (Samples{-1, -1, 3, 3}));  // toward zero
     EXPECT_EQ(samplesOf(v->block(c, 0.25, 0, 0, E{-1})), samplesOf(v));  // raised to 1
-}
-
-TEST(Block, VerticalLevels) {
-    auto w = makeWave({5, -5, 0, 30000, 7});
-    CancelFlag c{0};
-    // One level: silence. Two: only -32768 and 32767. Three: -32768, trunc(-0.5) = 0, 32767.
-    EXPECT_EQ(samplesOf(w->block(c, 1, 1, 0, E{4})), (Samples{0, 0, 0, 0, 7}));
-    EXPECT_EQ(samplesOf(w->block(c, 1, 2, 0, E{4})), (Samples{32767, -32768, 32767, 32767, 7}));
-    EXPECT_EQ(samplesOf(w->block(c, 1, 3, 0, E{4})), (Samples{0, 0, 0, 32767, 7}));
-}
-
-TEST(Block, CancelDuringABlockGivesNoWave) {
-    auto w = zigzag(3000);
-    CancelFlag c{0};
-    ChunkHookScope hook(c, 1000);  // the second chunk of the one long block
-    EXPECT_EQ(w->block(c, 2500, 0, 0, E{-1}), nullptr);
-    EXPECT_TRUE(isCancelled(c));
-    EXPECT_EQ(hook.chunks, (Chunks{{0, 1000}, {1000, 2000}}));
+    // Vertical levels. One: silence. Two: only -32768 and 32767. Three: -32768,
+    // trunc(-0.5) = 0, 32767.
+    auto h = makeWave({5, -5, 0, 30000, 7});
+    EXPECT_EQ(samplesOf(h->block(c, 1, 1, 0, E{4})), (Samples{0, 0, 0, 0, 7}));
+    EXPECT_EQ(samplesOf(h->block(c, 1, 2, 0, E{4})), (Samples{32767, -32768, 32767, 32767, 7}));
+    EXPECT_EQ(samplesOf(h->block(c, 1, 3, 0, E{4})), (Samples{0, 0, 0, 32767, 7}));
 }
 
 TEST(Mix, WeightedOverTheRangeRestCopiedAndAverageIsACopy) {
@@ -195,6 +183,12 @@ TEST(Effects, ChunksRunOverTheRangeAndCancelStopsThem) {
     CancelFlag set{1};
     EXPECT_EQ(w->volume(set, 2, 0, E{-1}), nullptr);
     EXPECT_EQ(w->rotate(set, 1, 0, E{-1}), nullptr);
+    // A block cancelled in its middle gives no wave at all.
+    CancelFlag b{0};
+    ChunkHookScope blockHook(b, 1000);  // the second chunk of the one long block
+    EXPECT_EQ(w->block(b, 2500, 0, 0, E{-1}), nullptr);
+    EXPECT_TRUE(isCancelled(b));
+    EXPECT_EQ(blockHook.chunks, (Chunks{{0, 1000}, {1000, 2000}}));
 }
 
 TEST(EffectsDeathTest, ChecksNameTheExpression) {

@@ -232,7 +232,7 @@ TEST(WavePrimitives, MixAfterForms) {
 
 // ---- primitives that make a new wave ----
 
-TEST(WaveEdits, ExtractRemoveAppendReplace) {
+TEST(WaveEdits, ExtractRemoveAppendReplaceAndInsertSilence) {
     CancelFlag c{0};
     WavePtr w = makeWave({1, 2, 3, 4, 5});
     Wave empty;
@@ -251,12 +251,9 @@ TEST(WaveEdits, ExtractRemoveAppendReplace) {
     EXPECT_EQ(samplesOf(*w->replace(c, other.get(), 3, -1)), (Samples{1, 2, 3, 7, 8, 9}));
     EXPECT_EQ(samplesOf(*w->replace(c, &empty, 1, 3)), (Samples{1, 4, 5}));
     EXPECT_EQ(samplesOf(*w), (Samples{1, 2, 3, 4, 5}));  // the original is untouched
-}
 
-TEST(WaveEdits, InsertSilence) {
-    CancelFlag c{0};
-    WavePtr w = makeWave({1, 2, 3, 4});
-    EXPECT_EQ(samplesOf(*w->insertSilence(c, 2, 1, E{3})), (Samples{1, 0, 0, 4}));
+    // Silence in place of the range; the end written back.
+    EXPECT_EQ(samplesOf(*w->insertSilence(c, 2, 1, E{4})), (Samples{1, 0, 0, 5}));
     std::int32_t end = -1;
     EXPECT_EQ(samplesOf(*w->insertSilence(c, 1, 2, end)), (Samples{1, 2, 0}));
     EXPECT_EQ(end, 3);

@@ -11,25 +11,14 @@
 
 #include "dialogs/selzoom_dialog.h"
 #include "dialogs/wave_view_dialog.h"
+#include "support/qt_test_helpers.h"
 #include "support/recording_platform.h"
 
 using namespace orv;
+using orv::test::control;
+using orv::test::typeText;
 
 namespace {
-
-template <class T>
-T* child(QWidget* parent, const char* name) {
-    T* w = parent->findChild<T*>(name);
-    if (!w) qFatal("no control %s", name);
-    return w;
-}
-
-void typeText(QLineEdit* edit, const QString& text) {
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClick(edit, Qt::Key_Delete);
-    QTest::keyClicks(edit, text);
-}
 
 // A check box is toggled from the keyboard: a click in its middle may miss a wide box's text.
 void toggle(QCheckBox* box) {
@@ -65,15 +54,15 @@ void ViewDialogsTest::selectAndZoomRefusesAndApplies() {
     QCOMPARE(dialog.objectName(), QString("TDlgSelZoom"));
     QCOMPARE(dialog.windowTitle(), QString("Select and Zoom"));
     QVERIFY(!dialog.isModal());
-    auto* apply = child<QPushButton>(&dialog, "ApplyBtn");
-    auto* at = child<QLineEdit>(&dialog, "editCursorAt");
-    auto* partBegin = child<QLineEdit>(&dialog, "editPartBegin");
-    auto* partEnd = child<QLineEdit>(&dialog, "editPartEnd");
-    auto* zoomBegin = child<QLineEdit>(&dialog, "editZoomBegin");
-    auto* zoomEnd = child<QLineEdit>(&dialog, "editZoomEnd");
+    auto* apply = control<QPushButton>(&dialog, "ApplyBtn");
+    auto* at = control<QLineEdit>(&dialog, "editCursorAt");
+    auto* partBegin = control<QLineEdit>(&dialog, "editPartBegin");
+    auto* partEnd = control<QLineEdit>(&dialog, "editPartEnd");
+    auto* zoomBegin = control<QLineEdit>(&dialog, "editZoomBegin");
+    auto* zoomEnd = control<QLineEdit>(&dialog, "editZoomEnd");
     QCOMPARE(at->text(), QString("0 s"));
     QCOMPARE(zoomEnd->text(), QString("0 s"));
-    QVERIFY(child<QRadioButton>(&dialog, "optSelectCursor")->isChecked());
+    QVERIFY(control<QRadioButton>(&dialog, "optSelectCursor")->isChecked());
 
     auto press = [&]() -> QString {
         const std::size_t before = platform.recorder.messages.size();
@@ -95,7 +84,7 @@ void ViewDialogsTest::selectAndZoomRefusesAndApplies() {
 
     // Typing into a part field chooses "Part"; its end is still at 0 s.
     typeText(partBegin, "0.5 s");
-    QVERIFY(child<QRadioButton>(&dialog, "optSelectPart")->isChecked());
+    QVERIFY(control<QRadioButton>(&dialog, "optSelectPart")->isChecked());
     QCOMPARE(press(), QString("Input Error | Part Begin must be prior before Part End."));
     QCOMPARE(QApplication::focusWidget(), partEnd);
     typeText(partEnd, "5");
@@ -108,7 +97,7 @@ void ViewDialogsTest::selectAndZoomRefusesAndApplies() {
     QCOMPARE((std::vector<int>{applied[1].begin, applied[1].end}), (std::vector<int>{500, 750}));
 
     // The zoom, once switched on, is checked too: first against the wave's end, then its order.
-    toggle(child<QCheckBox>(&dialog, "chkZoomed"));
+    toggle(control<QCheckBox>(&dialog, "chkZoomed"));
     QCOMPARE(press(), QString("Input Error | Zoom Begin must be prior before Zoom End."));
     typeText(zoomEnd, "2 s");
     QCOMPARE(press(), QString("Input Error | "
@@ -132,7 +121,7 @@ void ViewDialogsTest::selectAndZoomRefusesAndApplies() {
                                applied[3].zoomEnd}),
              (std::vector<int>{1000, 1500, 200, 1800}));
 
-    QTest::mouseClick(child<QPushButton>(&dialog, "CloseBtn"), Qt::LeftButton);
+    QTest::mouseClick(control<QPushButton>(&dialog, "CloseBtn"), Qt::LeftButton);
     QVERIFY(!dialog.isVisible());
     QCOMPARE(applied.size(), std::size_t(4));
 }
@@ -145,12 +134,12 @@ void ViewDialogsTest::selectAndZoomNeedsAWave() {
     connect(&dialog, &TDlgSelZoom::applyRequested, &dialog, [&] { ++applied; });
     dialog.show();
     // No wave window: Apply does nothing at all.
-    QTest::mouseClick(child<QPushButton>(&dialog, "ApplyBtn"), Qt::LeftButton);
+    QTest::mouseClick(control<QPushButton>(&dialog, "ApplyBtn"), Qt::LeftButton);
     QCOMPARE(applied, 0);
     QVERIFY(platform.recorder.messages.empty());
     // An empty wave has no position before its end, not even 0 s.
     target = SelZoomTarget{0, 22050};
-    QTest::mouseClick(child<QPushButton>(&dialog, "ApplyBtn"), Qt::LeftButton);
+    QTest::mouseClick(control<QPushButton>(&dialog, "ApplyBtn"), Qt::LeftButton);
     QCOMPARE(lastMessage(platform.recorder),
              QString("Input Error | "
                               "In Cursor At: Must be prior before the end of the wave."));
@@ -166,16 +155,16 @@ void ViewDialogsTest::waveViewEnablesAndChecks() {
     dialog.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
     QCOMPARE(dialog.objectName(), QString("TDlgWaveViewProps"));
-    auto* strength = child<QLineEdit>(&dialog, "editStrength");
-    auto* grid = child<QLineEdit>(&dialog, "editGrid");
-    auto* background = child<QLineEdit>(&dialog, "editBackground");
+    auto* strength = control<QLineEdit>(&dialog, "editStrength");
+    auto* grid = control<QLineEdit>(&dialog, "editGrid");
+    auto* background = control<QLineEdit>(&dialog, "editBackground");
     QCOMPARE(background->text(), QString("#FFFF00"));
     // Lines: no strength; the grid is drawn: its colour counts.
     QVERIFY(!strength->isEnabled());
     QVERIFY(grid->isEnabled());
-    QTest::mouseClick(child<QRadioButton>(&dialog, "optDrawPoints"), Qt::LeftButton);
+    QTest::mouseClick(control<QRadioButton>(&dialog, "optDrawPoints"), Qt::LeftButton);
     QVERIFY(strength->isEnabled());
-    toggle(child<QCheckBox>(&dialog, "chkDrawGrid"));
+    toggle(control<QCheckBox>(&dialog, "chkDrawGrid"));
     QVERIFY(!grid->isEnabled());
 
     typeText(background, "#12345");
@@ -188,7 +177,7 @@ void ViewDialogsTest::waveViewEnablesAndChecks() {
 
     typeText(background, "#0000ff");
     typeText(strength, "0.5");
-    toggle(child<QCheckBox>(&dialog, "chkUseAsDefault"));
+    toggle(control<QCheckBox>(&dialog, "chkUseAsDefault"));
     QTest::mouseClick(dialog.buttons().ok, Qt::LeftButton);
     QVERIFY(!dialog.isVisible());
     QCOMPARE(dialog.result(), int(QDialog::Accepted));

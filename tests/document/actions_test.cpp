@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -13,10 +12,8 @@ namespace {
 
 using namespace orv::test;
 
-TEST(ActionTable, NamesAreUniqueAndTextsAreKeptWordForWord) {
-    std::set<std::string_view> names;
-    for (const ActionDef& a : actionTable()) EXPECT_TRUE(names.insert(a.name).second) << a.name;
-    EXPECT_EQ(actionTable().size(), 67u);
+// Unique names and the size of the table: in the registry test of the jobs.
+TEST(ActionTable, TextsAreKeptWordForWord) {
     const ActionDef* line = findAction("MakeLine");
     ASSERT_NE(line, nullptr);
     EXPECT_EQ(line->longHint, "Make a wave of a straight ro exponential line");
@@ -113,18 +110,6 @@ TEST(ActionStatus, EnablingTable) {
     c.active.unit = &monoWave;
     monoWave.setChanged();
     EXPECT_TRUE(actionStatus("FileSave", c).enabled);
-}
-
-TEST(ActionStatus, SplitHorizontallyNeedsAPartStrictlyInside) {
-    TUnitWave u(mono(rampOf(100)), 2, "a.wav");
-    ActionContext c;
-    c.active.unit = &u;
-    const struct { int begin, end; bool on; } rows[] = {
-        {50, 50, true}, {0, 60, false}, {1, 98, true}, {1, 99, false}};
-    for (const auto& r : rows) {
-        u.setSelection(r.begin, r.end);
-        EXPECT_EQ(actionStatus("SplitH", c).enabled, r.on) << r.begin << ".." << r.end;
-    }
 }
 
 TEST(ActionStatus, CheckedViewsAndDrawKinds) {

@@ -51,13 +51,11 @@ TEST_F(EditCommands, EachCommandThenUndoAndRedo) {
         if (r.clipboardAfter) {
             EXPECT_EQ(samplesOf(ws.clipboard().GetLeftWave()), *r.clipboardAfter);
         }
-        EXPECT_EQ(u.selBegin(), r.selBegin);
-        EXPECT_EQ(u.selEnd(), r.selEndAfter);
+        EXPECT_EQ(part(u), Ends(r.selBegin, r.selEndAfter));
         EXPECT_EQ(u.getState(), kStateChanged);
         ASSERT_TRUE(ws.undo());
         EXPECT_EQ(samplesOf(u), r.before);
-        EXPECT_EQ(u.getCursor(), std::min<int>(r.cursor, int(r.before.size())));
-        EXPECT_EQ(u.getSelEndPos(), r.selEnd);
+        EXPECT_EQ(marks(u), Ends(std::min<int>(r.cursor, int(r.before.size())), r.selEnd));
         ASSERT_TRUE(ws.undo());
         EXPECT_EQ(samplesOf(u), r.after);
         ws.close(u);
@@ -119,21 +117,15 @@ TEST_F(EditCommands, FilePropertiesConvertWidthChannelsAndFrequency) {
     TUnitWave& u = load({0, 100, 200, 300});
     select(u, 1, 3);
     ASSERT_TRUE(run("FileProperties", {{"Mono/Stereo", "Stereo"}, {"Wave Values", "8 Bits"}}));
-    EXPECT_EQ(u.getMonoStereo(), 2);
-    EXPECT_EQ(u.getBytesPSample(), 1);
+    EXPECT_EQ(Ends(u.getMonoStereo(), u.getBytesPSample()), Ends(2, 1));
     EXPECT_EQ(samplesOf(u.getSound()->GetRightWave()), (Samples{0, 100, 200, 300}));
     EXPECT_EQ(u.getState(), kStateChanged);
     ASSERT_TRUE(run("FileProperties", {{"Sample Frequency", "22 kHz"}}));
     EXPECT_EQ(u.getFreq(), 22050);
-    // The selection keeps its place in time: 1 ms and 3 ms.
-    EXPECT_EQ(u.selBegin(), 22);
-    EXPECT_EQ(u.selEnd(), 66);
+    EXPECT_EQ(part(u), Ends(22, 66));  // the selection keeps its place in time: 1 ms and 3 ms
     ws.undo();
-    EXPECT_EQ(u.getFreq(), 1000);
-    EXPECT_EQ(u.values(), 4);
-    EXPECT_EQ(u.getBytesPSample(), 1);
-    EXPECT_EQ(u.selBegin(), 1);
-    EXPECT_EQ(u.selEnd(), 3);
+    EXPECT_EQ((Samples{u.getFreq(), u.values(), u.getBytesPSample()}), (Samples{1000, 4, 1}));
+    EXPECT_EQ(part(u), Ends(1, 3));
 }
 
 TEST_F(EditCommands, CancelledCutKeepsWaveAndClipboard) {
@@ -143,8 +135,7 @@ TEST_F(EditCommands, CancelledCutKeepsWaveAndClipboard) {
     ChunkHookScope hook(u.cancelFlag(), 1000);
     const ActionResult r = ws.runAction("EditCut");
     EXPECT_EQ(r.kind, ActionResult::Kind::Cancelled);
-    EXPECT_EQ(u.values(), 4000);
-    EXPECT_EQ(u.selEnd(), 3000);
+    EXPECT_EQ(std::pair(u.values(), u.selEnd()), Ends(4000, 3000));
     EXPECT_EQ(u.getState(), kStateSaved);
     EXPECT_EQ(samplesOf(ws.clipboard().GetLeftWave()), (Samples{42}));
     EXPECT_EQ(ws.undoRecord(), nullptr);

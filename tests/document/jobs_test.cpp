@@ -96,8 +96,7 @@ TEST_F(JobsTest, CancelledJobChangesNothing) {
     view.calls.clear();
     EXPECT_EQ(ws.commit(std::move(job)).kind, Kind::Cancelled);
     EXPECT_EQ(u.getSound(), soundBefore);
-    EXPECT_EQ(u.getCursor(), 4000);
-    EXPECT_EQ(u.getSelEndPos(), 10);
+    EXPECT_EQ(marks(u), Ends(4000, 10));
     EXPECT_EQ(u.getState(), kStateChanged);
     EXPECT_EQ(ws.undoRecord(), undoBefore);
     EXPECT_EQ(view.calls, (Lines{"repaintAll"}));
@@ -152,20 +151,10 @@ TEST_F(JobsTest, ClosingTheJobsWindowCancelsIt) {
     EXPECT_TRUE(ws.status("FileNewWave").enabled);
 }
 
-// A sound goes when the last of the document, the undo record and a job lets go of it.
+// A sound goes when the last of the document and the undo record lets go of it (a job that
+// holds it: above).
 TEST_F(JobsTest, ASoundGoesOnlyWhenNothingHoldsIt) {
-    TUnitWave& u = load(rampOf(3000));
-    ASSERT_TRUE(ws.registerName(u, "me"));
     TUnitWave& w = load(rampOf(3000), 2, "w.wav");
-    std::weak_ptr<Sound> envelope = u.soundRef();
-    PreparedAction p = ws.prepareAction("Volume", TypedFields{{"Envelope", "me"}});
-    ASSERT_TRUE(p.job);
-    ws.close(u);  // the document lets go; the job still reads it
-    EXPECT_FALSE(envelope.expired());
-    p.job->compute();
-    EXPECT_EQ(ws.commit(std::move(p.job)).kind, Kind::Done);
-    EXPECT_TRUE(envelope.expired());
-
     std::weak_ptr<Sound> before = w.soundRef();
     ASSERT_TRUE(run("Reverse"));  // the undo record keeps the sound from before
     EXPECT_FALSE(before.expired());
@@ -218,20 +207,38 @@ TEST(FormErrors, ACheckNamesItsFieldByIndex) {
     EXPECT_EQ(bad->fieldIndex, LineRecord::table().find("Length"));
 }
 
-// The fields an operation needs beyond its defaults in these tests (an envelope to name).
-TypedFields fieldsFor(std::string_view action) {
-    static const std::map<std::string_view, TypedFields> extra = {
-        {"Distort", {{"Distort Envelope", "env"}}},
-        {"FileProperties", {{"Sample Frequency", "11 kHz"}}},
-    };
-    auto it = extra.find(action);
-    return it == extra.end() ? TypedFields{} : it->second;
+// Both channels of a document, one after the other.
+Samples channels(const TUnitWave& u) {
+    Samples s = samplesOf(u);
+    if (u.getMonoStereo() == 2) {
+        const Samples r = samplesOf(u.getSound()->GetRightWave());
+        s.insert(s.end(), r.begin(), r.end());
+    }
+    return s;
 }
+
+// The fields each operation runs with besides its dialog's defaults: an envelope to name
+// where it reads one, a change where the defaults change nothing.
+const std::map<std::string_view, std::vector<TypedFields>> kRuns = {
+    {"Distort", {{{"Distort Envelope", "env"}}}},
+    {"FileProperties", {{{"Sample Frequency", "11 kHz"}}}},
+    {"MixLeftRight", {{{"Example", "Swapped"}}}},
+    {"MakeBlock", {{}, {{"Middle Envelope", "env"}}}},
+    {"MakeMFreq", {{}, {{"Wave Form", "env"}}}},
+    {"Volume", {{}, {{"Envelope", "env"}}}},
+    {"RollOut", {{}, {{"Speed Envelope Wave", "env"}}}},
+    {"Balance", {{}, {{"Direction Envelope", "env"}}}},
+    {"PerEcho", {{}, {{"Echo Volume Envelope", "env"}}}},
+    {"TempoPitch", {{}, {{"Speed Envelope Wave", "env"}, {"Frequency Envelope Wave", "env"}}}},
+    {"FilterLow", {{}, {{"Envelope", "env"}, {"Maximize Volume", "on"}}}},
+    {"FilterNotch", {{}, {{"Frequency Width Envelope", "env"}}}},
+};
 
 // Every operation of the table, computed as a job: its progress rises, stays below what the
 // plan expected while the work goes on, and reaches it exactly once, at the end. The plan's
 // estimate is near the work really done (a bar that jumps or stalls tells the user nothing).
-TEST_F(JobsTest, ProgressOfEveryOperationReachesItsExpectedAmountOnceAtTheEnd) {
+// An operation with a dialog changes the wave and is undone and redone exactly.
+TEST_F(JobsTest, EveryOperationReachesItsExpectedProgressOnceAndIsUndoneExactly) {
     Samples v(6000);
     for (int i = 0; i < 6000; ++i) v[i] = (i * 37) % 2000 - 1000;
     TUnitWave& env = load({-20000, 0, 30000}, 2, "e.wav", 8000);
@@ -239,35 +246,49 @@ TEST_F(JobsTest, ProgressOfEveryOperationReachesItsExpectedAmountOnceAtTheEnd) {
     int ran = 0;
     for (const ActionDef& a : actionTable()) {
         if (!a.operation || !a.operation->prepare) continue;
-        SCOPED_TRACE(std::string(a.name));
-        const bool stereoOnly = a.rule == EnableRule::StereoSamples;
-        TUnitWave& u = ws.add(std::make_unique<TUnitWave>(
-            stereoOnly ? stereo(v, v, 8000) : mono(v, 8000), 2, "a.wav"));
-        select(u, 1000, 5000);
-        ws.setClipboard(mono(Samples(2000, 7), 8000), 2);
-        PreparedAction p = ws.prepareAction(a.name, fieldsFor(a.name));
-        ASSERT_TRUE(p.job) << p.result.text;
-        std::vector<std::int64_t> heard;
-        p.job->setListener([&](std::int64_t done, std::int64_t expected) {
-            EXPECT_EQ(expected, p.job->expected());
-            heard.push_back(done);
-        });
-        const std::int64_t walkedBefore = samplesWalked.load();
-        p.job->compute();
-        const std::int64_t walked = samplesWalked.load() - walkedBefore;
-        const std::int64_t expected = p.job->expected();
-        ASSERT_FALSE(heard.empty());
-        EXPECT_EQ(heard.back(), expected);
-        EXPECT_EQ(std::count(heard.begin(), heard.end(), expected), 1);
-        EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
-        EXPECT_EQ(p.job->done(), expected);
-        EXPECT_GE(walked * 4, expected) << walked << " walked, " << expected << " expected";
-        EXPECT_LE(walked, expected * 4) << walked << " walked, " << expected << " expected";
-        EXPECT_EQ(ws.commit(std::move(p.job)).kind, Kind::Done);
-        ws.close(u);
-        ++ran;
+        const auto runs = kRuns.find(a.name);
+        for (const TypedFields& fields : runs == kRuns.end() ? std::vector<TypedFields>{{}} : runs->second) {
+            SCOPED_TRACE(std::string(a.name) + (fields.empty() ? "" : " " + fields[0].first));
+            const bool stereoOnly = a.rule == EnableRule::StereoSamples;
+            TUnitWave& u = ws.add(std::make_unique<TUnitWave>(
+                stereoOnly ? stereo(v, Samples(v.rbegin(), v.rend()), 8000) : mono(v, 8000), 2, "a.wav"));
+            select(u, 1000, 5000);
+            ws.setClipboard(mono(Samples(2000, 7), 8000), 2);
+            const Samples before = channels(u);
+            PreparedAction p = ws.prepareAction(a.name, fields);
+            ASSERT_TRUE(p.job) << p.result.text;
+            std::vector<std::int64_t> heard;
+            p.job->setListener([&](std::int64_t done, std::int64_t expected) {
+                EXPECT_EQ(expected, p.job->expected());
+                heard.push_back(done);
+            });
+            const std::int64_t walkedBefore = samplesWalked.load();
+            p.job->compute();
+            const std::int64_t walked = samplesWalked.load() - walkedBefore;
+            const std::int64_t expected = p.job->expected();
+            ASSERT_FALSE(heard.empty());
+            EXPECT_EQ(heard.back(), expected);
+            EXPECT_EQ(std::count(heard.begin(), heard.end(), expected), 1);
+            EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
+            EXPECT_EQ(p.job->done(), expected);
+            EXPECT_GE(walked * 4, expected) << walked << " walked, " << expected << " expected";
+            EXPECT_LE(walked, expected * 4) << walked << " walked, " << expected << " expected";
+            EXPECT_EQ(ws.commit(std::move(p.job)).kind, Kind::Done);
+            if (a.flow == ActionFlow::Operation) {
+                const Samples after = channels(u);
+                EXPECT_NE(after, before);
+                EXPECT_EQ(u.getState(), kStateChanged);
+                ASSERT_TRUE(ws.undo());
+                EXPECT_EQ(channels(u), before);
+                ASSERT_TRUE(ws.undo());
+                EXPECT_EQ(channels(u), after);
+            }
+            ws.close(u);
+            ++ran;
+        }
     }
-    EXPECT_EQ(ran, 36);  // 26 with a record, 8 edits, copy, the file properties
+    // 26 with a record, 8 edits, copy, the file properties; 9 with envelopes as well.
+    EXPECT_EQ(ran, 45);
     EXPECT_TRUE(shown().empty());
 }
 

@@ -90,9 +90,7 @@ TEST_F(SplitMerge, MergeHorizontallyConvertsToTheChosenFrequencyBeforeJoining) {
     Samples want = aAt22k;
     want.insert(want.end(), {7, 8, 9});
     EXPECT_EQ(samplesOf(m), want);
-    EXPECT_EQ(m.getFreq(), 22050);
-    EXPECT_EQ(m.getBytesPSample(), 2);
-    EXPECT_EQ(m.getMonoStereo(), 1);
+    EXPECT_EQ((Samples{m.getFreq(), m.getBytesPSample(), m.getMonoStereo()}), (Samples{22050, 2, 1}));
     EXPECT_EQ(m.getName(), "");  // a new wave, not registered
 }
 
@@ -110,6 +108,14 @@ TEST_F(SplitMerge, MergeOfAWaveWithItselfIsRefused) {
 }
 
 TEST_F(SplitMerge, MergeVerticallyMakesTheLengthsEqualAsChosen) {
+    // Merges `left` and `right` (11025 Hz) into one stereo wave, which replaces them.
+    auto merge = [&](const Samples& left, const Samples& right, const char* how) -> TUnitWave& {
+        EXPECT_TRUE(ws.registerName(load(left, 2, "l.wav", 11025), "l"));
+        EXPECT_TRUE(ws.registerName(load(right, 2, "r.wav", 11025), "r"));
+        EXPECT_TRUE(run("MergeV", {{"Left", "l"}, {"Right", "r"}, {"Make Lengths Equal", how}}));
+        EXPECT_EQ(ws.documents().size(), 1u);
+        return *ws.lastMade()[0];
+    };
     const struct {
         const char* how;
         Samples left, right;
@@ -118,31 +124,16 @@ TEST_F(SplitMerge, MergeVerticallyMakesTheLengthsEqualAsChosen) {
         {"Add Silence at the begin of the shortest wave", {0, 0, 10, 20, 30}, {1, 2, 3, 4, 5}},
     };
     for (const auto& row : rows) {
-        TUnitWave& l = load({10, 20, 30}, 2, "l.wav", 11025);
-        TUnitWave& r = load({1, 2, 3, 4, 5}, 2, "r.wav", 11025);
-        ASSERT_TRUE(ws.registerName(l, "l"));
-        ASSERT_TRUE(ws.registerName(r, "r"));
-        ASSERT_TRUE(run("MergeV", {{"Left", "l"}, {"Right", "r"}, {"Make Lengths Equal", row.how}}));
-        ASSERT_EQ(ws.documents().size(), 1u);
-        const TUnitWave& m = *ws.lastMade()[0];
-        EXPECT_EQ(m.getMonoStereo(), 2);
-        EXPECT_EQ(m.getFreq(), 11025);
+        TUnitWave& m = merge({10, 20, 30}, {1, 2, 3, 4, 5}, row.how);
+        EXPECT_EQ(Ends(m.getMonoStereo(), m.getFreq()), Ends(2, 11025));
         EXPECT_EQ(samplesOf(m), row.left) << row.how;
         EXPECT_EQ(rightOf(m), row.right) << row.how;
-        ws.close(*ws.lastMade()[0]);
+        ws.close(m);
     }
     // Stretching: either way both channels end up with the length asked for.
-    for (const char* how : {"Stretch the shortest wave", "Stretch the longest wave"}) {
-        TUnitWave& l = load(rampOf(300), 2, "l.wav", 11025);
-        TUnitWave& r = load(rampOf(700), 2, "r.wav", 11025);
-        ASSERT_TRUE(ws.registerName(l, "l"));
-        ASSERT_TRUE(ws.registerName(r, "r"));
-        ASSERT_TRUE(run("MergeV", {{"Left", "l"}, {"Right", "r"}, {"Make Lengths Equal", how}}));
-        const TUnitWave& m = *ws.lastMade()[0];
-        EXPECT_EQ(m.values(), std::string(how).find("shortest") != std::string::npos ? 700 : 300)
-            << how;
-        ws.close(*ws.lastMade()[0]);
-    }
+    EXPECT_EQ(merge(rampOf(300), rampOf(700), "Stretch the shortest wave").values(), 700);
+    ws.close(*ws.lastMade()[0]);
+    EXPECT_EQ(merge(rampOf(300), rampOf(700), "Stretch the longest wave").values(), 300);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 namespace orv {
 namespace {
 
-TEST(TagList, TypedValuesDefaultsAndASecondAddRefused) {
+TEST(TagList, TypedValuesDefaultsASecondAddRefusedAndTypeNames) {
     TagList tags;
     EXPECT_TRUE(tags.addString("file", "a.wav"));
     EXPECT_TRUE(tags.addInt("temp", 1));
@@ -26,9 +26,6 @@ TEST(TagList, TypedValuesDefaultsAndASecondAddRefused) {
     EXPECT_FALSE(tags.addLong("begin", 20));
     EXPECT_FALSE(tags.addString("begin", "x"));  // refused whatever its type
     EXPECT_EQ(tags.getLong("begin", 0), 1200);
-}
-
-TEST(TagList, TypeNames) {
     const char* names[] = {"int", "double", "long", "WaveVal", "string", "*<type>",
                            "<onbekende type!>"};
     for (int i = 0; i < 7; ++i) EXPECT_EQ(tagTypeName(i), names[i]) << i;

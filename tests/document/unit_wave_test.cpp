@@ -15,10 +15,8 @@ using namespace orv::test;
 
 TEST(UnitWave, NewUnitIsEmptyNewAndOfTheChosenLayout) {
     TUnitWave u("NONAME", WaveFileProps{8000, 1, 1});
-    EXPECT_EQ(u.getState(), kStateNew);
-    EXPECT_EQ(u.getFreq(), 8000);
-    EXPECT_EQ(u.getBytesPSample(), 1);
-    EXPECT_EQ(u.values(), 0);
+    EXPECT_EQ((Samples{u.getState(), u.getFreq(), u.getBytesPSample(), u.values()}),
+              (Samples{kStateNew, 8000, 1, 0}));
     EXPECT_FALSE(u.needsSave());  // an empty wave never asks to be saved, not even a new one
     TUnitWave st("x.wav", WaveFileProps{44100, 2, 2});
     EXPECT_NE(dynamic_cast<StereoSound*>(st.getSound()), nullptr);
@@ -51,31 +49,23 @@ TEST(UnitWave, StateMovesOnlyFromSavedToChanged) {
 TEST(UnitWave, PositionsAreClampedAndNothingSelectedMeansTheWholeWave) {
     TUnitWave u(mono(rampOf(100)), 2, "a.wav");
     u.setCursor(500);
-    EXPECT_EQ(u.getCursor(), 100);
-    EXPECT_EQ(u.getSelEndPos(), 100);
+    EXPECT_EQ(marks(u), Ends(100, 100));
     u.setCursor(-5);
     EXPECT_EQ(u.getCursor(), 0);
     u.setSelEnd(1000);
     EXPECT_EQ(u.getSelEndPos(), 100);
     u.setSelection(-10, 250);
-    EXPECT_EQ(u.selBegin(), 0);
-    EXPECT_EQ(u.selEnd(), 100);
+    EXPECT_EQ(part(u), Ends(0, 100));
     u.setCursor(40);
-    EXPECT_EQ(u.selBegin(), 0);
-    EXPECT_EQ(u.selEnd(), 100);
+    EXPECT_EQ(part(u), Ends(0, 100));
     EXPECT_DOUBLE_EQ(u.selectionSeconds(), 0.1);
     u.setSelEnd(15);
-    EXPECT_EQ(u.selBegin(), 15);
-    EXPECT_EQ(u.selEnd(), 40);
+    EXPECT_EQ(part(u), Ends(15, 40));
     EXPECT_DOUBLE_EQ(u.selectionSeconds(), 0.025);
-}
-
-TEST(UnitWave, SetSelectionKeepsTheAnchorOnTheRight) {  // on the left: in the view test below
-    TUnitWave u(mono(rampOf(100)), 2, "a.wav");
+    // A new part keeps the anchor on the right (on the left: in the view test below).
     select(u, 30, 5);
     u.setSelection(10, 20);
-    EXPECT_EQ(u.getCursor(), 20);
-    EXPECT_EQ(u.getSelEndPos(), 10);
+    EXPECT_EQ(marks(u), Ends(20, 10));
 }
 
 // A unit that goes (a split or a merge replaced it) tells its window, which must forget it.
@@ -107,8 +97,7 @@ TEST(UnitWave, SelectionChangeRepaintsOnlyWhatChangedThenStatusThenCursor) {
     view.calls.clear();
     u.selectRange(30, 60);
     EXPECT_EQ(view.calls.front(), "show 30 60");
-    EXPECT_EQ(u.selBegin(), 30);
-    EXPECT_EQ(u.selEnd(), 60);
+    EXPECT_EQ(part(u), Ends(30, 60));
     u.selectRange(7, 7);
     EXPECT_FALSE(u.hasSelection());
     EXPECT_EQ(u.getCursor(), 7);
@@ -188,8 +177,7 @@ TEST_F(UnitWaveOperations, VolumeOverTheSelectionRemembersItsRecordAndSelectsThe
     ASSERT_TRUE(run("Volume"));
     EXPECT_EQ(samplesOf(u), (Samples{100, -100, 150, 3, 9}));
     EXPECT_EQ(u.records().volume.factor.value, 0.5);
-    EXPECT_EQ(u.selBegin(), 1);
-    EXPECT_EQ(u.selEnd(), 4);
+    EXPECT_EQ(part(u), Ends(1, 4));
     EXPECT_EQ(view.calls.front(), "show 1 4");  // the range goes to the view first
     EXPECT_EQ(view.calls.back(), "status");     // repainted, then the status bar
     EXPECT_EQ(view.calls[view.calls.size() - 2], "repaintAll");
@@ -202,8 +190,7 @@ TEST_F(UnitWaveOperations, GeneratorsInsertAtTheCursorOrReplaceTheSelection) {
     u.records().silence.length.value = 0.001;  // trunc(1000 x 0.001 + 1) = 2 samples
     ASSERT_TRUE(run("MakeSilence"));
     EXPECT_EQ(samplesOf(u), (Samples{1, 0, 0, 2, 3}));
-    EXPECT_EQ(u.selBegin(), 1);
-    EXPECT_EQ(u.selEnd(), 3);
+    EXPECT_EQ(part(u), Ends(1, 3));
     // Replaces the selection 1..3 by 0, 1, 2, 3, 4.
     ASSERT_TRUE(run("MakeLine", {{"Begin Value", "0"}, {"End Value", "4 $"}, {"Length", "4 ms"}}));
     EXPECT_EQ(samplesOf(u), (Samples{1, 0, 1, 2, 3, 4, 2, 3}));
@@ -242,8 +229,7 @@ TEST_F(UnitWaveOperations, LengthEnvelopeAndBalanceUseTheHost) {
     r.newLength.value = 0.04;  // the selected 0.02 s become 0.04 s
     select(u, 0, 20);
     ASSERT_TRUE(run("Length"));
-    EXPECT_EQ(u.values(), 120);
-    EXPECT_EQ(u.selEnd(), 40);
+    EXPECT_EQ(std::pair(u.values(), u.selEnd()), Ends(120, 40));
 
     TUnitWave& env = load({16384, 16384}, 2, "e.wav");
     ASSERT_TRUE(ws.registerName(env, "half"));
@@ -256,8 +242,7 @@ TEST_F(UnitWaveOperations, LengthEnvelopeAndBalanceUseTheHost) {
     v.setCursor(1);  // in the middle, no differences: the whole wave becomes stereo
     ASSERT_TRUE(run("Balance"));
     EXPECT_EQ(v.getMonoStereo(), 2);
-    EXPECT_EQ(v.selBegin(), 0);
-    EXPECT_EQ(v.selEnd(), 3);
+    EXPECT_EQ(part(v), Ends(0, 3));
 }
 
 TEST_F(UnitWaveOperations, CancelledOperationLeavesTheUnitExactlyAsItWas) {
@@ -273,8 +258,7 @@ TEST_F(UnitWaveOperations, CancelledOperationLeavesTheUnitExactlyAsItWas) {
     EXPECT_GT(hook.chunks.size(), 1u);  // it really stopped in the middle
     EXPECT_EQ(u.getSound(), before);
     EXPECT_EQ(samplesOf(u), rampOf(5000));
-    EXPECT_EQ(u.getCursor(), 4500);
-    EXPECT_EQ(u.getSelEndPos(), 200);
+    EXPECT_EQ(marks(u), Ends(4500, 200));
     EXPECT_EQ(u.getState(), kStateChanged);
     EXPECT_EQ(u.records().volume.factor.value, 2.0);  // the dialog reopens with it
     EXPECT_EQ(view.calls, (Lines{"show 200 4500", "repaintAll"}));

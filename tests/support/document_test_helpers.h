@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <sys/stat.h>
 #include <vector>
 
@@ -27,6 +28,10 @@ inline void select(TUnitWave& u, std::int32_t cursor, std::int32_t end) {
     u.setCursor(cursor);
     u.setSelEnd(end);
 }
+// The cursor and the other end of the part; the part from its lower end.
+using Ends = std::pair<std::int32_t, std::int32_t>;
+inline Ends marks(const TUnitWave& u) { return {u.getCursor(), u.getSelEndPos()}; }
+inline Ends part(const TUnitWave& u) { return {u.selBegin(), u.selEnd()}; }
 
 // Logs every request of a unit to its window, in order. Attached with attach(), it lets go
 // of the unit when either of the two goes first.

@@ -6,33 +6,14 @@
 
 #include "document/unit_wave.h"
 #include "support/recording_platform.h"
+#include "support/window_test_helpers.h"
 #include "view/mdi_child_wave.h"
 
 using namespace orv;
+using orv::test::differsFrom;
+using orv::test::noiseWave;
 
 namespace {
-
-WavePtr noise(std::int32_t n, std::uint64_t s) {
-    CancelFlag c{0};
-    WavePtr w = newWave(c, n);
-    for (std::int32_t i = 0; i < n; ++i) {
-        s = s * 6364136223846793005ull + 1442695040888963407ull;
-        (*w)[i] = WaveVal(std::int32_t(s >> 33) % 60000 - 30000);
-    }
-    return w;
-}
-
-QString differsFrom(TMDIChildWave& w, const Canvas& expected) {
-    const QImage shot = w.grab(w.clientRect()).toImage();
-    if (shot.width() != expected.width() || shot.height() != expected.height())
-        return QString("size %1x%2, expected %3x%4")
-            .arg(shot.width()).arg(shot.height()).arg(expected.width()).arg(expected.height());
-    for (int y = 0; y < shot.height(); ++y)
-        for (int x = 0; x < shot.width(); ++x)
-            if (shot.pixel(x, y) != expected.pixel(x, y))
-                return QString("first difference at %1,%2").arg(x).arg(y);
-    return {};
-}
 
 // The picture computed and painted apart from the window, for the window's present state.
 Canvas painterPicture(const TMDIChildWave& w) {
@@ -57,7 +38,7 @@ void VoldWindowTest::changesCancelAndRestart() {
     test::RecordingPlatformScope messages;
     // Two minutes of stereo noise at 44.1 kHz with 300 rows: far more than a moment's work.
     auto unit = std::make_unique<TUnitWave>(
-        std::make_unique<StereoSound>(noise(120 * 44100, 1), noise(120 * 44100, 2), 44100), 2,
+        std::make_unique<StereoSound>(noiseWave(120 * 44100, 1), noiseWave(120 * 44100, 2), 44100), 2,
         "/waves/long.wav");
     TMDIChildWave w(*unit);
     VoldViewRecord settings;
@@ -86,7 +67,7 @@ void VoldWindowTest::changesCancelAndRestart() {
     QCOMPARE(second->width(), 320);
 
     // A new sound stops that one too; the short one's picture then completes.
-    unit->takeResult(std::make_shared<MonoSound>(noise(3000, 3), 8000), 0, 3000);
+    unit->takeResult(std::make_shared<MonoSound>(noiseWave(3000, 3), 8000), 0, 3000);
     QVERIFY(second->columnsReady() < second->width());
     QTRY_VERIFY_WITH_TIMEOUT(w.voldComplete(), 30000);
     QCOMPARE(w.voldPicture()->values(), 3000);

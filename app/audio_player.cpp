@@ -5,7 +5,6 @@
 #include <mutex>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include <QAudioDevice>
 #include <QAudioSink>
@@ -14,6 +13,7 @@
 #include <QMediaDevices>
 #include <QTimer>
 
+#include "app/recording_file.h"
 #include "core/platform.h"
 #include "fileio/safe_file_writer.h"
 #include "fileio/wav_file.h"
@@ -98,8 +98,7 @@ public:
         armed_ = pausedArmed_ = false;
         dropSink();
         dropSource();
-        recorded_.clear();
-        recorded_.shrink_to_fit();
+        recording_.reset();  // not saved: gone
         stream_.close();
         owner_.freq_ = 0;
         setMode(PlayerMode::NotOpen);
@@ -141,7 +140,14 @@ public:
         if (device.isNull()) return fail("There is no sound device to record from.");
         if (!device.isFormatSupported(format_))
             return fail("The sound device cannot record " + describe(format_) + ".");
-        recorded_.clear();
+        // What comes goes straight onto the disk, beside the record file.
+        recording_ = std::make_unique<RecordingFile>();
+        std::string error;
+        if (!recording_->begin(file + ".part", stream_.channels(), stream_.freq(),
+                               stream_.bytesPSample() == 1 ? 1 : 2, error)) {
+            recording_.reset();
+            return fail("The recording cannot be written: " + error);
+        }
         source_ = std::make_unique<QAudioSource>(device, format_);
         recordIo_ = source_->start();
         if (!recordIo_ || source_->error() != QAudio::NoError)
@@ -180,10 +186,10 @@ public:
         armed_ = pausedArmed_ = false;
     }
 
-    // Hands over what was recorded (the caller writes it).
-    std::vector<std::uint8_t> takeRecording() {
+    // Hands over what was recorded (the caller finishes it); null when nothing was.
+    std::unique_ptr<RecordingFile> takeRecording() {
         if (source_) takeRecorded();
-        return std::move(recorded_);
+        return std::move(recording_);
     }
     const WaveFileStream& stream() const { return stream_; }
 
@@ -208,13 +214,15 @@ private:
     }
 
     // The operation could not start or broke off: it ends here, and the user is told why.
-    void fail(std::string text) {
+    // A recording keeps what it wrote unless `dropRecording`.
+    void fail(std::string text, bool dropRecording = true) {
         setError(text);
         AudioPlayer* owner = &owner_;
         QMetaObject::invokeMethod(
             owner, [text] { showMessage("Error", text); }, Qt::QueuedConnection);
         dropSink();
         dropSource();
+        if (dropRecording) recording_.reset();
         setMode(PlayerMode::Stopped);
         if (armed_) post();
         armed_ = false;
@@ -277,9 +285,14 @@ private:
     }
 
     void takeRecorded() {
-        if (!recordIo_) return;
+        if (!recordIo_ || !recording_) return;
         const QByteArray bytes = recordIo_->readAll();
-        recorded_.insert(recorded_.end(), bytes.begin(), bytes.end());
+        std::string error;
+        if (bytes.isEmpty() || recording_->append(bytes.constData(), std::size_t(bytes.size()), error))
+            return;
+        // The disk is full, or the file as long as a file can be: the recording ends here,
+        // and what it holds so far is kept.
+        if (owner_.mode() == PlayerMode::Recording) fail("The recording stopped: " + error, false);
     }
 
     void dropSink() {
@@ -312,7 +325,7 @@ private:
     std::unique_ptr<StreamFeed> feed_;
     std::unique_ptr<QAudioSource> source_;
     QIODevice* recordIo_ = nullptr;
-    std::vector<std::uint8_t> recorded_;
+    std::unique_ptr<RecordingFile> recording_;
     std::int64_t totalUs_ = 0;
     bool draining_ = false;
     std::int64_t drainStartNs_ = 0;
@@ -384,7 +397,7 @@ void AudioPlayer::stop() {
 bool AudioPlayer::save() {
     wait_ = false;  // always done when it returns
     struct Taken {
-        std::vector<std::uint8_t> bytes;
+        std::unique_ptr<RecordingFile> recording;
         std::string file;
         std::int32_t freq = 0;
         int channels = 0;
@@ -392,7 +405,7 @@ bool AudioPlayer::save() {
     };
     Taken t = onDevice([](Device& d) {
         Taken taken;
-        taken.bytes = d.takeRecording();
+        taken.recording = d.takeRecording();
         taken.file = d.file;
         taken.freq = d.stream().freq();
         taken.channels = d.stream().channels();
@@ -400,33 +413,18 @@ bool AudioPlayer::save() {
         return taken;
     });
     if (t.channels == 0) return false;  // nothing open
-    // Written here, on the caller's thread: a message it raises must not wait for a thread
+    // Finished here, on the caller's thread: a message it raises must not wait for a thread
     // that waits for this one.
-    const std::size_t sampleBytes = t.bytesPSample == 1 ? 1 : 2;
-    const auto n = std::int32_t(std::min<std::size_t>(
-        t.bytes.size() / (sampleBytes * std::size_t(t.channels)), std::size_t(INT32_MAX)));
-    if (n == 0) {  // nothing came: an empty file in the format
+    if (!t.recording) {  // nothing came: an empty file in the format
         const Wave empty;
         return writeSaved(t.file, &empty, t.channels == 2 ? &empty : nullptr, t.freq,
                           t.bytesPSample, 0);
     }
-    WaveVal* left = allocateSamples(n);
-    WaveVal* right = t.channels == 2 ? allocateSamples(n) : nullptr;
-    if (!left || (t.channels == 2 && !right)) {
-        freeSamples(left);
-        freeSamples(right);
-        std::lock_guard lock(errorLock_);
-        error_ = "There is not enough memory to keep the recording.";
-        return false;
-    }
-    Wave l(left, n);
-    std::unique_ptr<Wave> r = right ? std::make_unique<Wave>(right, n) : nullptr;
-    const std::uint8_t* in = t.bytes.data();
-    if (t.channels == 1)
-        sampleBytes == 1 ? decodeMono8(in, left, n) : decodeMono16(in, left, n);
-    else
-        sampleBytes == 1 ? decodeStereo8(in, left, right, n) : decodeStereo16(in, left, right, n);
-    return writeSaved(t.file, &l, r.get(), t.freq, t.bytesPSample, n);
+    std::string error;
+    if (t.recording->finish(t.file, error)) return true;
+    std::lock_guard lock(errorLock_);
+    error_ = error;
+    return false;
 }
 
 bool AudioPlayer::writeSaved(const std::string& file, const Wave* left, const Wave* right,

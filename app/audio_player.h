@@ -3,10 +3,11 @@
 // drives (MediaPlayer, document/player_flow.h).
 //
 // The sound-device objects (QAudioSink, QAudioSource) live on a thread of the player's own,
-// which streams the play file to the sink with our WAV reader and keeps what the source
-// records until save() writes it with our WAV writer; a busy user interface (a picture
-// being painted, a job being committed) never starves the sound. Every call below hands its
-// work to that thread and returns when it is done there.
+// which streams the play file to the sink with our WAV reader and writes what the source
+// records straight into a WAV file beside the record file (RecordingFile: no memory spent,
+// nothing lost to a crash), which save() finishes and puts in place of the record file; a
+// busy user interface (a picture being painted, a job being committed) never starves the
+// sound. Every call below hands its work to that thread and returns when it is done there.
 //
 // Notifications. An operation (play() or startRecording()) started with notify on sends one
 // notification, the signal `notified`, queued to the thread that made the player: when the

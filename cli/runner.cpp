@@ -255,9 +255,8 @@ int ScriptRunner::runStep(const Step& step) {
 
 int ScriptRunner::actionStep(const Step& step) {
     TUnitWave* unit = ws_.active();
-    TypedFields fields = step.fields;
-    if (std::unique_ptr<FormView> form = ws_.actionForm(step.word))
-        fields = resolveOptionValues(form->spec(), fields);
+    // "Volume Factor=-6 dB" types into the option's one typed field: the form does that.
+    const TypedFields& fields = step.fields;
     if (std::optional<int> refused = checkAction(step, fields)) return *refused;
     Target target(target_, unit ? &unit->cancelFlag() : nullptr);
     const ActionResult r = ws_.runAction(step.word, fields);

@@ -106,31 +106,6 @@ std::int64_t positionSample(const PositionText& p, std::int32_t freq, std::int32
     return truncToInt(double(freq) * p.seconds);
 }
 
-TypedFields resolveOptionValues(const FormSpec& spec, const TypedFields& typed) {
-    TypedFields out;
-    for (const auto& [caption, value] : typed) {
-        const int option = spec.find(caption);
-        std::string key = caption;
-        if (option != kNoField && spec.fields[option].kind == FieldKind::Option) {
-            const FieldDef& d = spec.fields[option];
-            bool isChoice = false;
-            for (std::string_view c : d.choices) isChoice = isChoice || captionMatches(c, value);
-            int target = kNoField;
-            int candidates = 0;
-            for (std::size_t j = 0; j < spec.fields.size() && !isChoice; ++j) {
-                const FieldDef& f = spec.fields[j];
-                if (f.group != option || !isReadKind(f.kind)) continue;
-                if (!captionMatches(f.messageName(), caption)) continue;
-                target = int(j);
-                ++candidates;
-            }
-            if (candidates == 1) key = plainCaption(spec.fields[target].caption);
-        }
-        out.emplace_back(std::move(key), value);
-    }
-    return out;
-}
-
 std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
                                        std::vector<Step>& steps) {
     steps.clear();

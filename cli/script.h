@@ -56,12 +56,6 @@ bool isStepWord(std::string_view word);
 std::optional<ScriptError> parseScript(const std::vector<std::string>& args,
                                        std::vector<Step>& steps);
 
-// "Volume Factor=-6 dB": a caption that names an option (Constant / Envelope) but a value
-// that is none of its choices goes to the option's value field that carries the same name
-// in messages, just as typing into that field in the dialog chooses the option. Everything
-// else is passed on unchanged.
-TypedFields resolveOptionValues(const FormSpec& spec, const TypedFields& typed);
-
 // A position as typed: a plain integer is a sample index, a number with "s" or "ms" a time,
 // "end" the end of the wave.
 struct PositionText {

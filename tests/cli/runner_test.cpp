@@ -124,15 +124,6 @@ TEST(ScriptParse, PositionsAreSampleIndicesOrTimes) {
         EXPECT_FALSE(readPosition(bad, p)) << bad;
 }
 
-TEST(ScriptParse, AnOptionCaptionWithAValueGoesToTheFieldOfThatName) {
-    const TypedFields typed = {{"Volume Factor", "-6 dB"}, {"volume factor", "Envelope"},
-                               {"Envelope", "env"}, {"Constant", "2"}};
-    EXPECT_EQ(resolveOptionValues(VolumeRecord::table(), typed),
-              (TypedFields{{"Constant", "-6 dB"}, typed[1], typed[2], typed[3]}));
-    // A choice of another option stays with its option.
-    EXPECT_EQ(resolveOptionValues(LengthRecord::table(), {{"Length", "0.5"}})[0].first, "Length");
-}
-
 TEST(ScriptParse, ProgressLineAndImportName) {
     EXPECT_EQ(progressLine("FilterLow", 2.54, 11000000), "FilterLow: 2.5 s, 11.0 M samples");
     EXPECT_EQ(progressLine("save", 0.4, 999), "save: 0.4 s, 999 samples");

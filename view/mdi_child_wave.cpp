@@ -297,7 +297,16 @@ int TMDIChildWave::playCursorColumn() const {
 }
 
 void TMDIChildWave::setPlayCursor(double sample) {
+    const double was = playCursor_;
     playCursor_ = sample < 0 ? -1.0 : sample;
+    // A zoomed view turns the page when what it shows has been heard to its right edge (a
+    // view the user scrolled elsewhere is left where it is).
+    const std::int32_t n = values();
+    if (zoomed_ && n > 0 && playCursor_ >= 0 && was >= 0) {
+        const ViewSpan v = visibleRange();
+        if (was >= v.begin && was < v.end && playCursor_ >= v.end && playCursor_ < n)
+            scrollTo(truncToInt64(std::floor(playCursor_ * double(fit_.range) / n)));
+    }
     const int now = playCursorColumn();
     if (now == playColumn_) return;
     const int height = clientRect().height();

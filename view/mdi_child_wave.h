@@ -168,7 +168,8 @@ public:
 
     // ---- the play cursor ---------------------------------------------------------------------
     // A line across the picture at `sample`, a real (it glides between samples as the
-    // sound plays), or none when negative. Only the columns it leaves and enters repaint.
+    // sound plays), or none when negative. Only the columns it leaves and enters repaint; a
+    // zoomed view turns the page when the line runs past its right edge.
     void setPlayCursor(double sample);
     double playCursor() const { return playCursor_; }
     // Its column in the client area; -1 when it is not shown or lies outside the view.

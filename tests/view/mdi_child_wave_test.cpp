@@ -105,6 +105,7 @@ private slots:
     void drawsByHand();
     void settingsAndTheirDefault();
     void unbalancedBracketsStop();
+    void playCursorInvertsItsColumnAndTurnsThePage();
 };
 
 void MdiChildWaveTest::picturesAreThePaintersAndOnlyChangedColumnsRepaint() {
@@ -523,6 +524,43 @@ void MdiChildWaveTest::unbalancedBracketsStop() {
     w.beginKeepZoom();
     w.endKeepZoom();
     QVERIFY(!w.drawing());
+}
+
+// The play cursor: one column inverted over the picture, the picture back when it goes; a
+// zoomed view turns the page when the cursor runs past its right edge, unless the user had
+// scrolled the cursor out of sight.
+void MdiChildWaveTest::playCursorInvertsItsColumnAndTurnsThePage() {
+    std::unique_ptr<TUnitWave> unit = unitOf(wave(1000, 5));
+    TMDIChildWave w(*unit);
+    showSized(w, kWidth, 100);
+    QCOMPARE(w.clientRect().width(), 250);
+    const QImage plain = w.grab().toImage();
+    w.setPlayCursor(250.0);  // column trunc(250 x 250 / 1000) = 62
+    QCOMPARE(w.playCursorColumn(), 62);
+    const QImage shown = w.grab().toImage();
+    for (int y : {0, 37, 99}) {
+        QCOMPARE(shown.pixel(62, y) & 0xFFFFFF, ~plain.pixel(62, y) & 0xFFFFFF);
+        QCOMPARE(shown.pixel(61, y), plain.pixel(61, y));
+        QCOMPARE(shown.pixel(63, y), plain.pixel(63, y));
+    }
+    w.setPlayCursor(-1);
+    QCOMPARE(w.playCursorColumn(), -1);
+    QCOMPARE(w.grab().toImage(), plain);
+
+    // Zoomed onto the first 100 samples: the whole wave is 2500 columns wide.
+    w.zoomTo(0, 100);
+    QCOMPARE(w.scrollRange(), std::int64_t(2500));
+    w.setPlayCursor(50.0);
+    QCOMPARE(w.playCursorColumn(), 125);
+    w.setPlayCursor(99.5);
+    QCOMPARE(w.scrollPosition(), std::int64_t(0));
+    w.setPlayCursor(101.0);  // past the edge: the page turns to begin at floor(101 x 2.5)
+    QCOMPARE(w.scrollPosition(), std::int64_t(252));
+    QCOMPARE(w.playCursorColumn(), 0);
+    w.scrollTo(1000);  // the user looks elsewhere: the view stays there
+    w.setPlayCursor(150.0);
+    QCOMPARE(w.scrollPosition(), std::int64_t(1000));
+    QCOMPARE(w.playCursorColumn(), -1);
 }
 
 QTEST_MAIN(MdiChildWaveTest)

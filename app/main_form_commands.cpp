@@ -30,8 +30,6 @@ namespace orv {
 
 namespace {
 
-QString qs(std::string_view s) { return QString::fromUtf8(s.data(), qsizetype(s.size())); }
-
 constexpr char kWaveFilter[] = "Wave files (*.wav *.WAV);;All files (*)";
 
 // A file chosen without an extension is a WAV file.
@@ -130,7 +128,8 @@ void TMainForm::execute(std::string_view name) {
     switch (def->flow) {
         case ActionFlow::Inert: return;
         case ActionFlow::Front:
-            panel(0)->setText(qs(def->shortHint) + " is not available yet.");
+            // The frame's own commands are all handled above.
+            ORV_ASSERT_TEXT(false, "front-end action handled", "Main");
             return;
         default: run(name); return;
     }

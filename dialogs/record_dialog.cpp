@@ -93,10 +93,11 @@ QWidget* TRecordDialog::withSideTable(QWidget* form) {
 void TRecordDialog::refreshSideTable() {
     if (!setup_.sideTable) return;
     const std::vector<std::vector<std::string>> rows = setup_.sideTable(panel_->state());
-    for (std::size_t r = 0; r < rows.size(); ++r) {
-        if (sideCells_.size() <= r) sideCells_.emplace_back();
-        for (std::size_t c = 0; c < rows[r].size(); ++c) {
-            if (sideCells_[r].size() <= c) {
+    // The table keeps its shape: its cells are made the first time.
+    if (sideCells_.empty()) {
+        for (std::size_t r = 0; r < rows.size(); ++r) {
+            sideCells_.emplace_back();
+            for (std::size_t c = 0; c < rows[r].size(); ++c) {
                 auto* cell = new QLabel(sideBox_);
                 cell->setObjectName(QString("lblChosen_%1_%2").arg(r).arg(c));
                 if (r == 0) {
@@ -104,23 +105,20 @@ void TRecordDialog::refreshSideTable() {
                     bold.setBold(true);
                     cell->setFont(bold);
                 }
-                if (c > 0) {
-                    // Wide enough for long lengths, so the dialog keeps its size while the
-                    // user picks waves.
-                    sideGrid_->setColumnMinimumWidth(
-                        int(c), cell->fontMetrics().horizontalAdvance("00:00.00000 s"));
-                    sideGrid_->setColumnStretch(int(c), 1);
-                }
                 sideGrid_->addWidget(cell, int(r), int(c));
                 sideCells_[r].push_back(cell);
             }
-            sideCells_[r][c]->setText(QString::fromStdString(rows[r][c]));
+        }
+        // Wide enough for long lengths, so the dialog keeps its size while the user picks.
+        const int wide = sideBox_->fontMetrics().horizontalAdvance("00:00.00000 s");
+        for (int c = 1; c < sideGrid_->columnCount(); ++c) {
+            sideGrid_->setColumnMinimumWidth(c, wide);
+            sideGrid_->setColumnStretch(c, 1);
         }
     }
-    // Cells the table no longer has stay, empty.
-    for (std::size_t r = 0; r < sideCells_.size(); ++r)
-        for (std::size_t c = r < rows.size() ? rows[r].size() : 0; c < sideCells_[r].size(); ++c)
-            sideCells_[r][c]->clear();
+    for (std::size_t r = 0; r < rows.size() && r < sideCells_.size(); ++r)
+        for (std::size_t c = 0; c < rows[r].size() && c < sideCells_[r].size(); ++c)
+            sideCells_[r][c]->setText(QString::fromStdString(rows[r][c]));
 }
 
 void TRecordDialog::showEvent(QShowEvent* event) {

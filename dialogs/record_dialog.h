@@ -91,7 +91,7 @@ private:
     DialogButtons buttons_;
     QGroupBox* sideBox_ = nullptr;
     QGridLayout* sideGrid_ = nullptr;
-    // Cells by row, made as the table grows; cells the table no longer has are emptied.
+    // Cells by row, made the first time the table is shown.
     std::vector<std::vector<QLabel*>> sideCells_;
 };
 

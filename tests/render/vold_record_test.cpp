@@ -4,19 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/document_test_helpers.h"
+
 #include <string>
 
 namespace orv {
 namespace {
 
-std::string shown(VoldViewRecord& r) {
-    VoldViewForm form(r);
-    const FormState s = form.show(nullptr);
-    std::string out;
-    for (std::size_t i = 0; i < s.fields.size(); ++i)
-        out += (i ? " | " : "") + shownValue(form.spec(), s, int(i));
-    return out;
-}
+std::string shown(VoldViewRecord& r) { return test::shownFields<VoldViewForm>(r); }
 
 std::string refusal(const TypedFields& typed) {
     VoldViewRecord r;

@@ -33,6 +33,17 @@ using Ends = std::pair<std::int32_t, std::int32_t>;
 inline Ends marks(const TUnitWave& u) { return {u.getCursor(), u.getSelEndPos()}; }
 inline Ends part(const TUnitWave& u) { return {u.selBegin(), u.selEnd()}; }
 
+// Every field of a record as its form shows it, " | " between them.
+template <class Form, class Record>
+std::string shownFields(Record& r) {
+    Form form(r);
+    const FormState s = form.show(nullptr);
+    std::string out;
+    for (std::size_t i = 0; i < s.fields.size(); ++i)
+        out += (i ? " | " : "") + shownValue(form.spec(), s, int(i));
+    return out;
+}
+
 // Logs every request of a unit to its window, in order. Attached with attach(), it lets go
 // of the unit when either of the two goes first.
 struct RecordingView : WaveView {
